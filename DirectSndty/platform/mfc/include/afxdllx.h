@@ -1,0 +1,3 @@
+#pragma once
+// Included once by an extension DLL's entry point source.
+#include "afxwin.h"

@@ -1,0 +1,3 @@
+#pragma once
+// Extension-library support; in this subset everything it needs is in afxwin.h.
+#include "afxwin.h"
