@@ -1,0 +1,8 @@
+#pragma once
+// DirectSndty: presents sound as a stimulus through DirectSound 8.
+// The one header a host includes; link with DirectSndty's import library.
+
+#include "foundation/DirectSndBasicty.h"
+#include "device/DSndDeviceInfoty.h"
+#include "device/EnumerateDirectSndDevice.h"
+#include "device/DirectSndDevicety.h"

@@ -1,0 +1,9 @@
+#include "DirectSndDevice4PlayControl.h"
+
+CDirectSndDevice4PlayControl::CDirectSndDevice4PlayControl()
+{
+}
+
+CDirectSndDevice4PlayControl::~CDirectSndDevice4PlayControl()
+{
+}

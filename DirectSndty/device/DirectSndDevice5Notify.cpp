@@ -1,0 +1,9 @@
+#include "DirectSndDevice5Notify.h"
+
+CDirectSndDevice5Notify::CDirectSndDevice5Notify()
+{
+}
+
+CDirectSndDevice5Notify::~CDirectSndDevice5Notify()
+{
+}

@@ -1,0 +1,9 @@
+#include "DirectSndDevice7PlayStream.h"
+
+CDirectSndDevice7PlayStream::CDirectSndDevice7PlayStream()
+{
+}
+
+CDirectSndDevice7PlayStream::~CDirectSndDevice7PlayStream()
+{
+}
