@@ -1,0 +1,53 @@
+#pragma once
+// Keeps track of the event handles the library hands to SetNotificationPositions, so that a
+// test can ask which of them the library has since closed.
+//
+// For each handle the fake holds a duplicate (a "witness") of its own. A handle counts as open
+// while GetHandleInformation accepts it and it still names the same kernel object as the
+// witness (CompareObjectHandles), so a closed handle whose value the system has reused for
+// another object is seen as closed. Limit: where CompareObjectHandles is missing, only
+// GetHandleInformation is used and such a reuse goes unnoticed.
+// Events are set through the witness, so signalling never touches an unrelated object that
+// happens to have inherited a closed handle's value.
+
+#include <windows.h>
+
+#include <map>
+#include <vector>
+
+namespace fakeds
+{
+
+class NotifyHandles
+{
+public:
+    NotifyHandles() = default;
+    NotifyHandles(const NotifyHandles&) = delete;
+    NotifyHandles& operator=(const NotifyHandles&) = delete;
+    ~NotifyHandles();
+
+    // Starts tracking a handle (or finds it tracked already); gives the id to signal it by.
+    int track(HANDLE event);
+    void signal(int id) const;
+    int open() const;
+    void closeWitnesses();
+
+    // Open handles of this process, leaving out the witnesses. GetProcessHandleCount where it
+    // works; Wine answers it with 0, so there the system's handle table is counted instead.
+    static DWORD processHandleCount();
+
+private:
+    struct Tracked
+    {
+        HANDLE original;
+        HANDLE witness; // null once seen closed, or if the handle was never valid
+    };
+
+    bool stillOpen(Tracked& tracked) const;
+    void forget(Tracked& tracked) const;
+
+    mutable std::vector<Tracked> tracked_;
+    std::map<HANDLE, int> latest_; // handle value -> id it was last tracked under
+};
+
+} // namespace fakeds
