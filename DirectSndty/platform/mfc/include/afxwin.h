@@ -51,7 +51,7 @@ protected:                                                     \
     const AFX_MSGMAP* theClass::GetMessageMap() const { return GetThisMessageMap(); } \
     const AFX_MSGMAP* PASCAL theClass::GetThisMessageMap()                          \
     {                                                                               \
-        typedef theClass ThisClass;                                                 \
+        [[maybe_unused]] typedef theClass ThisClass;                                \
         typedef baseClass TheBaseClass;                                             \
         static const AFX_MSGMAP_ENTRY _messageEntries[] = {
 
@@ -201,6 +201,10 @@ protected:
     WNDPROC m_pfnSuper; // the class procedure of a subclassed window
 
     DECLARE_MESSAGE_MAP()
+
+private:
+    static LRESULT CALLBACK subclassProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    void detachOnNcDestroy();
 };
 
 // ---------------------------------------------------------------------------
@@ -273,7 +277,10 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    void setTemplateName(LPCTSTR lpszTemplateName);
     const DLGTEMPLATE* loadTemplate(HINSTANCE* phInst) const;
+
+    CString m_strTemplateName; // a named template's name, which m_lpszTemplateName points into
     friend INT_PTR CALLBACK AfxDlgProc(HWND, UINT, WPARAM, LPARAM);
 };
 
