@@ -1,0 +1,62 @@
+#pragma once
+// What the device tests share: a device whose protected operations are reachable, the
+// simulated DirectSound it runs on, and a record of the message boxes it showed.
+
+#include "DirectSndty.h"
+#include "FakeDirectSound.h"
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+class TestDevice : public CDirectSndDevicety
+{
+public:
+    using CDirectSndBasicty::isSoundFormatSame;
+    using CDirectSndBasicty::isSupportWfx;
+    using CDirectSndBasicty::traceHR;
+    using CDirectSndBasicty::m_hr;
+    using CDirectSndDevice::createDSndObject;
+    using CDirectSndDevice::getDSCAPS;
+    using CDirectSndDevice::getDSCAPSPro;
+    using CDirectSndDevice::get2ndChannels;
+    using CDirectSndDevice::get2ndSampleBits;
+    using CDirectSndDevice::getTotalHwMemBytes;
+    using CDirectSndDevice::m_dwCoopLevel;
+    using CDirectSndDevice::m_dsCaps;
+    using CDirectSndDevice1BufferPrimary::createDSndBuff1Primary;
+    using CDirectSndDevice1BufferPrimary::m_wfxPrimary;
+    using CDirectSndDevice1BufferPrimary::m_pDSBufferPrimary;
+    using CDirectSndDevice3Speak::isHeadPhone;
+    using CDirectSndDevice3Speak::isStereoWide;
+    using CDirectSndDevice3Speak::isStereMax;
+    using CDirectSndDevice3Speak::setHeadPhone;
+    using CDirectSndDevice3Speak::setMonoSpeaker;
+    using CDirectSndDevice3Speak::setStereMax;
+    using CDirectSndDevice3Speak::m_dwSpeakerConfig;
+    using CDirectSndDevice6Play::compactDSmem;
+};
+
+// Message boxes are answered OK and remembered in order.
+class MessageBoxLog
+{
+public:
+    MessageBoxLog();
+    ~MessageBoxLog();
+    const std::vector<std::wstring>& texts() const;
+    bool saw(const std::wstring& text) const;
+    void clear();
+};
+
+tWAVEFORMATEX pcmFormat(WORD channels, DWORD rate, WORD bits);
+
+class DeviceTest : public ::testing::Test
+{
+protected:
+    // Opens the default device on the simulated DirectSound, recording nothing of it.
+    void openDevice(TestDevice& device);
+    // The platform takes a level one call late: asking twice puts it there.
+    void bringLevel(TestDevice& device, DWORD level);
+
+    fakeds::FakeDirectSound fake;
+    MessageBoxLog messages;
+};
