@@ -1,6 +1,11 @@
 #pragma once
 // Identifiers of the library's dialog templates and their controls.
 
+// Labels and group boxes that no code refers to (MFC's afxres.h has the same).
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
 #define IDD_DLG_DSND_INIT_INFO          7016
 #define IDC_CMB_DEVICE_ID               7017
 #define IDC_RICHEDIT_DEVICE_INFO        7018
