@@ -6,3 +6,6 @@
 #include "device/DSndDeviceInfoty.h"
 #include "device/EnumerateDirectSndDevice.h"
 #include "device/DirectSndDevicety.h"
+#include "buffer/DirectSnd3DBuffty.h"
+#include "SndDatatyx.h"
+#include "SndDataConvertty.h"
