@@ -1,12 +1,15 @@
 #include "DeviceTestSupport.h"
 #include <algorithm>
+#include <mutex>
 
 namespace
 {
+std::mutex g_lock;
 std::vector<std::wstring> g_texts;
 
 int CALLBACK recordAndAnswerOk(LPCTSTR lpszText, UINT /*nType*/, UINT /*nIDHelp*/)
 {
+    std::lock_guard<std::mutex> hold(g_lock);
     g_texts.push_back(lpszText);
     return IDOK;
 }
@@ -14,7 +17,7 @@ int CALLBACK recordAndAnswerOk(LPCTSTR lpszText, UINT /*nType*/, UINT /*nIDHelp*
 
 MessageBoxLog::MessageBoxLog()
 {
-    g_texts.clear();
+    clear();
     AfxSetMessageBoxAnswerer(recordAndAnswerOk);
 }
 
@@ -23,18 +26,21 @@ MessageBoxLog::~MessageBoxLog()
     AfxSetMessageBoxAnswerer(NULL);
 }
 
-const std::vector<std::wstring>& MessageBoxLog::texts() const
+std::vector<std::wstring> MessageBoxLog::texts() const
 {
+    std::lock_guard<std::mutex> hold(g_lock);
     return g_texts;
 }
 
 bool MessageBoxLog::saw(const std::wstring& text) const
 {
-    return std::find(g_texts.begin(), g_texts.end(), text) != g_texts.end();
+    std::vector<std::wstring> seen = texts();
+    return std::find(seen.begin(), seen.end(), text) != seen.end();
 }
 
 void MessageBoxLog::clear()
 {
+    std::lock_guard<std::mutex> hold(g_lock);
     g_texts.clear();
 }
 

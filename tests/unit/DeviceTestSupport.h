@@ -36,13 +36,13 @@ public:
     using CDirectSndDevice6Play::compactDSmem;
 };
 
-// Message boxes are answered OK and remembered in order.
+// Message boxes are answered OK and remembered in order, from any thread.
 class MessageBoxLog
 {
 public:
     MessageBoxLog();
     ~MessageBoxLog();
-    const std::vector<std::wstring>& texts() const;
+    std::vector<std::wstring> texts() const;
     bool saw(const std::wstring& text) const;
     void clear();
 };
