@@ -113,6 +113,38 @@ int CDirectSnd2DBuff::lockAndCopy(const BYTE* pData, unsigned long ulBytes)
     return 1;
 }
 
+int CDirectSnd2DBuff::takeSndData(CSndDatatyx* pSndData, unsigned long& ulSize, const BYTE*& pData)
+{
+    if (pSndData == NULL || !pSndData->hasAudioWaveData())
+    {
+        AfxMessageBox(_T("No sound data for play"), MB_OK, 0);
+        return 0;
+    }
+    ulSize = pSndData->getDataSize();
+    pData = reinterpret_cast<const BYTE*>(pSndData->getDataPointer());
+    if (ulSize == 0 || pData == NULL)
+    {
+        AfxMessageBox(_T("No sound data as stimuli"), MB_OK, 0);
+        return 0;
+    }
+    return 1;
+}
+
+unsigned long CDirectSnd2DBuff::clampPlayBufferBytes(unsigned long ulSize)
+{
+    if (ulSize < kSmallestBuffer)
+    {
+        AfxMessageBox(_T("The set play buffer is too small"), MB_OK, 0);
+        return kSmallestBuffer;
+    }
+    if (ulSize > kLargestBuffer)
+    {
+        AfxMessageBox(_T("The pass play buffer is too large"), MB_OK, 0);
+        return kLargestBuffer;
+    }
+    return ulSize;
+}
+
 int CDirectSnd2DBuff::copySndData2DSndBuf2nd(const BYTE* pData, unsigned long ulBytes)
 {
     if (m_pDSBuffer == NULL || pData == NULL)
@@ -140,30 +172,11 @@ int CDirectSnd2DBuff::setSndData2DSndBuf2ndStd(CSndDatatyx* pSndData, CDirectSnd
         AfxMessageBox(_T("Set direct sound object as Null in creating sound buffer"), MB_OK, 0);
         return 0;
     }
-    if (pSndData == NULL || !pSndData->hasAudioWaveData())
-    {
-        AfxMessageBox(_T("No sound data for play"), MB_OK, 0);
+    unsigned long ulSize = 0;
+    const BYTE* pData = NULL;
+    if (!takeSndData(pSndData, ulSize, pData))
         return 0;
-    }
-
-    unsigned long ulSize = pSndData->getDataSize();
-    const BYTE* pData = reinterpret_cast<const BYTE*>(pSndData->getDataPointer());
-    if (ulSize == 0 || pData == NULL)
-    {
-        AfxMessageBox(_T("No sound data as stimuli"), MB_OK, 0);
-        return 0;
-    }
-    unsigned long ulBufferBytes = ulSize;
-    if (ulBufferBytes < kSmallestBuffer)
-    {
-        AfxMessageBox(_T("The set play buffer is too small"), MB_OK, 0);
-        ulBufferBytes = kSmallestBuffer;
-    }
-    else if (ulBufferBytes > kLargestBuffer)
-    {
-        AfxMessageBox(_T("The pass play buffer is too large"), MB_OK, 0);
-        ulBufferBytes = kLargestBuffer;
-    }
+    unsigned long ulBufferBytes = clampPlayBufferBytes(ulSize);
 
     m_dsbd.dwBufferBytes = ulBufferBytes;
     m_wfx = pSndData->getAudioWaveDataWfx();
@@ -195,18 +208,10 @@ int CDirectSnd2DBuff::setSndData2DSndBuf2ndPro(CSndDatatyx* pSndData, CDirectSnd
         return 0;
     }
     m_pDSndDevice = pDevice;
-    if (pSndData == NULL || !pSndData->hasAudioWaveData())
-    {
-        AfxMessageBox(_T("No sound data for play"), MB_OK, 0);
+    unsigned long ulSize = 0;
+    const BYTE* pData = NULL;
+    if (!takeSndData(pSndData, ulSize, pData))
         return 0;
-    }
-    unsigned long ulSize = pSndData->getDataSize();
-    const BYTE* pData = reinterpret_cast<const BYTE*>(pSndData->getDataPointer());
-    if (ulSize == 0 || pData == NULL)
-    {
-        AfxMessageBox(_T("No sound data as stimuli"), MB_OK, 0);
-        return 0;
-    }
     m_pSndData = pSndData;
 
     unsigned long ulBufferBytes = createDSndBuff2ndPro(ulSize, pSndData->getAudioWaveDataWfx());

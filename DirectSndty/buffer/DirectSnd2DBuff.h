@@ -32,6 +32,10 @@ protected:
     unsigned long createDSndBuff2ndStd();
     unsigned long createDSndBuff2ndPro(unsigned long ulBytes, tWAVEFORMATEX wfx);
     int copySndData2DSndBuf2nd(const BYTE* pData, unsigned long ulBytes);
+    // The container's size and data, or 0 with the message that says what is missing.
+    int takeSndData(CSndDatatyx* pSndData, unsigned long& ulSize, const BYTE*& pData);
+    // A play buffer's size within what DirectSound can make, with a warning when clamped.
+    unsigned long clampPlayBufferBytes(unsigned long ulSize);
 
     CSndDataConvertty m_sndDataConvert;
     CSndDatatyx* m_pSndData;

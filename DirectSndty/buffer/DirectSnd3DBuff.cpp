@@ -6,9 +6,6 @@
 
 namespace
 {
-const unsigned long kSmallestBuffer = DSBSIZE_MIN;
-const unsigned long kLargestBuffer = DSBSIZE_MAX;
-
 void appendVector(CString& text, LPCTSTR format, const D3DVECTOR& v)
 {
     text.AppendFormat(format, (double)v.x, (double)v.y, (double)v.z);
@@ -93,17 +90,7 @@ int CDirectSnd3DBuff::setSndData2DS3Dbuff2(CSndDatatyx* pSndData, CDirectSndDevi
         AfxMessageBox(_T("No sound data as stimuli"), MB_OK, 0);
         return 0;
     }
-    unsigned long ulBufferBytes = ulSize;
-    if (ulBufferBytes < kSmallestBuffer)
-    {
-        AfxMessageBox(_T("The set play buffer is too small"), MB_OK, 0);
-        ulBufferBytes = kSmallestBuffer;
-    }
-    else if (ulBufferBytes > kLargestBuffer)
-    {
-        AfxMessageBox(_T("The pass play buffer is too large"), MB_OK, 0);
-        ulBufferBytes = kLargestBuffer;
-    }
+    unsigned long ulBufferBytes = clampPlayBufferBytes(ulSize);
 
     // A block alignment of 0 cannot describe whole blocks.
     if (m_wfx.nBlockAlign == 0)
