@@ -1,0 +1,9 @@
+#include "DSndCapturety4RecordPro.h"
+
+CDSndCapturety4RecordPro::CDSndCapturety4RecordPro()
+{
+}
+
+CDSndCapturety4RecordPro::~CDSndCapturety4RecordPro()
+{
+}

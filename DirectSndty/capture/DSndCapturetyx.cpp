@@ -1,0 +1,9 @@
+#include "DSndCapturetyx.h"
+
+CDSndCapturetyx::CDSndCapturetyx()
+{
+}
+
+CDSndCapturetyx::~CDSndCapturetyx()
+{
+}
