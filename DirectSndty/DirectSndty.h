@@ -7,5 +7,8 @@
 #include "device/EnumerateDirectSndDevice.h"
 #include "device/DirectSndDevicety.h"
 #include "buffer/DirectSnd3DBuffty.h"
+#include "capture/DSndCapturetyx.h"
+#include "facade/SndDataRecordPlaytyx.h"
+#include "dialogs/DlgDSndCapturePro.h"
 #include "SndDatatyx.h"
 #include "SndDataConvertty.h"

@@ -29,6 +29,9 @@ public:
     int releaseDirectSnd2DBuff();
 
 protected:
+    // The facade refills the buffer it plays from.
+    friend class CSndDataRecordPlayty4Pdsnd;
+
     unsigned long createDSndBuff2ndStd();
     unsigned long createDSndBuff2ndPro(unsigned long ulBytes, tWAVEFORMATEX wfx);
     int copySndData2DSndBuf2nd(const BYTE* pData, unsigned long ulBytes);

@@ -107,3 +107,16 @@
 #define IDC_EDIT_BASIC_RECORD_SECONDS   7127
 #define IDC_BTN_BASIC_RECORD            7128
 #define IDC_STATIC_BASIC_STATUS         7129
+
+// Recording settings dialog
+#define IDD_DLG_DSND_CAPTURE_PRO        7000
+#define IDC_CHECK_TIME_RECORD           7006
+#define IDC_CHECK_SIZE_RECORD           7007
+#define IDC_EDIT_RECORD_SECONDS         7008
+#define IDC_EDIT_RECORD_BYTES           7009
+#define IDC_CMB_RECORD_CHANNEL          7010
+#define IDC_CMB_RECORD_SAMPLING_RATE    7011
+#define IDC_CMB_RECORD_BITS_PER_SAMPLE  7012
+#define IDC_CHECK_TIME_CRITICAL         7013
+#define IDC_CHECK_DIRECT_RECORD         7014
+#define IDC_CHECK_RECORD_NEW            7015

@@ -1,0 +1,9 @@
+#include "SndDataRecordPlaytyx.h"
+
+CSndDataRecordPlaytyx::CSndDataRecordPlaytyx()
+{
+}
+
+CSndDataRecordPlaytyx::~CSndDataRecordPlaytyx()
+{
+}
