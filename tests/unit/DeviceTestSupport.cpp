@@ -57,6 +57,11 @@ tWAVEFORMATEX pcmFormat(WORD channels, DWORD rate, WORD bits)
     return wfx;
 }
 
+bool sameFormat(const tWAVEFORMATEX& a, const tWAVEFORMATEX& b)
+{
+    return memcmp(&a, &b, sizeof(tWAVEFORMATEX)) == 0;
+}
+
 void DeviceTest::openDevice(TestDevice& device)
 {
     ASSERT_EQ(1, device.createDSndObject(NULL));

@@ -48,6 +48,7 @@ public:
 };
 
 tWAVEFORMATEX pcmFormat(WORD channels, DWORD rate, WORD bits);
+bool sameFormat(const tWAVEFORMATEX& a, const tWAVEFORMATEX& b);
 
 class DeviceTest : public ::testing::Test
 {
