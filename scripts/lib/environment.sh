@@ -17,7 +17,7 @@ DSTY_WINESERVER=/usr/lib/wine/wineserver64
 DSTY_PACKAGES=(
   cmake make g++-mingw-w64-x86-64-posix mingw-w64-tools googletest
   wine wine64 libpulse0 pulseaudio pulseaudio-utils
-  xvfb x11-apps imagemagick sox alsa-utils
+  xvfb x11-apps imagemagick sox alsa-utils sndfile-programs
 )
 
 dsty_log() { printf '[env] %s\n' "$*" >&2; }

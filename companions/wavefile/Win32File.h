@@ -1,0 +1,35 @@
+#pragma once
+// One Win32 file handle, closed when its owner goes, with positioned reads and writes at
+// 64-bit offsets (wave files pass 2 GiB). It is also the reader's byte source for the
+// RIFF walk.
+
+#include <windows.h>
+#include "RiffReader.h"
+
+class Win32File : public wavefile::ByteSource
+{
+public:
+    Win32File() = default;
+    ~Win32File() override;
+    Win32File(const Win32File&) = delete;
+    Win32File& operator=(const Win32File&) = delete;
+
+    // Opens an existing file to read; others may go on reading and writing it.
+    bool openForReading(LPCWSTR path);
+    // Creates the file, replacing one of the same name; others may read it meanwhile.
+    bool createForWriting(LPCWSTR path);
+    void close();
+    bool isOpen() const;
+
+    uint64_t size() const override;
+    size_t readAt(uint64_t offset, void* dst, size_t n) override;
+    size_t writeAt(uint64_t offset, const void* src, size_t n);
+    // Makes offset the end of the file.
+    bool truncateAt(uint64_t offset);
+
+private:
+    bool seek(uint64_t offset);
+    bool open(LPCWSTR path, DWORD access, DWORD share, DWORD disposition);
+
+    HANDLE m_handle = INVALID_HANDLE_VALUE;
+};

@@ -1,0 +1,67 @@
+#pragma once
+// Builds RIFF/WAVE files in memory from chunks: the tests' rearranged and damaged files.
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+using Bytes = std::vector<uint8_t>;
+
+inline void putLe16(Bytes& b, size_t at, uint16_t v)
+{
+    b[at] = static_cast<uint8_t>(v);
+    b[at + 1] = static_cast<uint8_t>(v >> 8);
+}
+
+inline void putLe32(Bytes& b, size_t at, uint32_t v)
+{
+    putLe16(b, at, static_cast<uint16_t>(v));
+    putLe16(b, at + 2, static_cast<uint16_t>(v >> 16));
+}
+
+inline uint32_t getLe32(const Bytes& b, size_t at)
+{
+    return b[at] | (b[at + 1] << 8) | (b[at + 2] << 16) | (uint32_t(b[at + 3]) << 24);
+}
+
+// A chunk with its id, size and body, and the pad byte an odd body needs.
+inline Bytes chunk(const char* id, const Bytes& body)
+{
+    Bytes c(8);
+    std::memcpy(c.data(), id, 4);
+    putLe32(c, 4, static_cast<uint32_t>(body.size()));
+    c.insert(c.end(), body.begin(), body.end());
+    if (body.size() % 2 != 0)
+        c.push_back(0);
+    return c;
+}
+
+inline Bytes riff(const std::vector<Bytes>& chunks)
+{
+    Bytes file = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'A', 'V', 'E'};
+    for (const Bytes& c : chunks)
+        file.insert(file.end(), c.begin(), c.end());
+    putLe32(file, 4, static_cast<uint32_t>(file.size() - 8));
+    return file;
+}
+
+// A fmt body: 16 bytes of plain PCM, or the 40-byte extensible record with the PCM
+// sub-format (its first byte replaced by subFormat).
+inline Bytes fmtBody(uint16_t channels, uint32_t rate, uint16_t bits, bool extensible = false, uint8_t subFormat = 1)
+{
+    const uint16_t align = static_cast<uint16_t>(channels * ((bits + 7) / 8));
+    Bytes f(extensible ? 40 : 16);
+    putLe16(f, 0, extensible ? 0xFFFE : 1);
+    putLe16(f, 2, channels);
+    putLe32(f, 4, rate);
+    putLe32(f, 8, rate * align);
+    putLe16(f, 12, align);
+    putLe16(f, 14, bits);
+    if (!extensible)
+        return f;
+    const uint8_t pcm[16] = {0, 0, 0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
+    putLe16(f, 16, 22);
+    putLe16(f, 18, bits);
+    std::memcpy(&f[24], pcm, 16);
+    f[24] = subFormat;
+    return f;
+}
