@@ -73,7 +73,9 @@ unsigned long CDirectSnd2DBuff::createDSndBuff2ndPro(unsigned long ulBytes, tWAV
     if (dlg.DoModal() != IDOK)
         return 0;
 
+    // A 2D load, whatever layer it is called on: a 3D description cannot hold stereo data.
     m_wfx = dlg.m_wfx;
+    m_dsbd.dwFlags = DSBCAPS_CTRLPAN;
     m_dsbd.dwBufferBytes = dlg.m_ulBufferBytes;
     return createDSndBuff2ndStd();
 }
