@@ -41,9 +41,9 @@ protected:
 private:
     tWAVEFORMATEX chosenFormat() const;
     bool makeTone();
-    bool startCapture(const tWAVEFORMATEX& wfx, DWORD dwBytes);
-    void finishRecording();
-    bool readCapture();
+    bool startCapture(const tWAVEFORMATEX& wfx);
+    bool drainCapture();
+    void finishRecording(bool bComplete);
     void releaseCapture();
     void showRecording(bool bRecording);
 
@@ -63,6 +63,9 @@ private:
     tWAVEFORMATEX m_wfxRecording;
     IDirectSoundCapture8* m_pCapture;
     IDirectSoundCaptureBuffer* m_pCaptureBuffer;
-    DWORD m_dwRecordBegan; // milliseconds
+    DWORD m_dwCaptureBytes;  // size of the looping capture buffer
+    DWORD m_dwReadOffset;    // where the next unread byte of it lies
+    DWORD m_dwRecordBytes;   // how much the recording is to hold
+    DWORD m_dwRecordBegan;   // milliseconds
     DWORD m_dwRecordMs;
 };
