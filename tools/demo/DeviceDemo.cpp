@@ -1,8 +1,10 @@
 // A small host of the library: lists the playback devices, brings up the default one,
-// prints what it can do, plays its primary buffer briefly, and saves and reloads the
+// prints what it can do, plays its primary buffer briefly, plays a tone as a stimulus in
+// several ways while recording it back (StimulusDemo.cpp), and saves and reloads the
 // device settings. Message boxes are printed instead of shown, as a console host should.
 
 #include "DirectSndty.h"
+#include "StimulusDemo.h"
 #include <cstdio>
 
 namespace
@@ -85,6 +87,7 @@ int main()
     std::printf("default device up\n");
     printCapabilities(device);
     playPrimaryBriefly(device, hWnd);
+    playStimuli(device);
     try
     {
         saveAndLoad(device, L"dsty-device-settings.bin");

@@ -1,0 +1,173 @@
+// stimctl play: plays a wave file once or looped through the library's record/play object,
+// or panned or as a (moving) 3D source through a sound buffer of the library.
+
+#include "Arguments.h"
+#include "Commands.h"
+#include "Console.h"
+#include "SoundSession.h"
+#include "WaveFileIo.h"
+
+namespace
+{
+const char kUsage[] =
+    "usage: stimctl play FILE.wav [--loop SECONDS] [--pan left|right|centre]\n"
+    "                             [--3d X,Y,Z [--move VX,VY,VZ]]\n"
+    "Plays FILE.wav (8- or 16-bit PCM, mono or stereo) once through the default device.\n"
+    "  --loop SECONDS   repeat the sound for SECONDS (0.01 to 3600), then stop\n"
+    "  --pan SIDE       left: heard on the left only; right: on the right only;\n"
+    "                   centre (or center): on both sides\n"
+    "  --3d X,Y,Z       play as a 3D source at X,Y,Z; the listener is at the origin facing +Z,\n"
+    "                   +X on its right; stereo is mixed to mono first\n"
+    "  --move VX,VY,VZ  with --3d: the source moves at this velocity (units per second)\n"
+    "                   while the sound plays once";
+
+const double kMaxCoordinate = 10000.0;
+
+struct PlayRequest
+{
+    std::wstring file;
+    double loopSeconds = 0.0; // 0: once
+    std::wstring pan;         // empty: as recorded
+    bool threeD = false;
+    float position[3] = {0.0f, 0.0f, 0.0f};
+    float velocity[3] = {0.0f, 0.0f, 0.0f};
+};
+
+bool readCombination(const Arguments& args, std::string& reason)
+{
+    if (args.has(L"--move") && !args.has(L"--3d"))
+        reason = "--move needs --3d";
+    else if (args.has(L"--3d") && (args.has(L"--pan") || args.has(L"--loop")))
+        reason = "--3d cannot be combined with --pan or --loop";
+    return reason.empty();
+}
+
+bool readRequest(const Arguments& args, PlayRequest& request, std::string& reason)
+{
+    if (args.positional.empty())
+    {
+        reason = "no wave file";
+        return false;
+    }
+    request.file = args.positional[0];
+    if (!readCombination(args, reason))
+        return false;
+    if (args.has(L"--loop") && !parseNumber(args.value(L"--loop"), "--loop", 0.01, 3600.0, request.loopSeconds, reason))
+        return false;
+    if (args.has(L"--pan") && !parseChoice(args.value(L"--pan"), "--pan", {L"left", L"right", L"centre", L"center"}, request.pan, reason))
+        return false;
+    request.threeD = args.has(L"--3d");
+    if (request.threeD && !parseTriple(args.value(L"--3d"), "--3d", kMaxCoordinate, request.position, reason))
+        return false;
+    if (args.has(L"--move") && !parseTriple(args.value(L"--move"), "--move", kMaxCoordinate, request.velocity, reason))
+        return false;
+    return true;
+}
+
+double playSeconds(const PlayRequest& request, const CSndDatatyx& data)
+{
+    if (request.loopSeconds > 0.0)
+        return request.loopSeconds;
+    return secondsOf(data.getDataSize(), data.getAudioWaveDataWfx());
+}
+
+// Plain and looped plays go through the record/play object, as a host would play.
+int playThroughFacade(const PlayRequest& request, CSndDatatyx& data)
+{
+    CSndDataRecordPlaytyx player;
+    player.setSndData(&data);
+    const int started = request.loopSeconds > 0.0 ? player.playBeginLoop(NULL, 0, 0) : player.playBegin(NULL, 0, 0);
+    if (!started)
+        return failRun("play", "the sound could not be played");
+    waitShowingProgress("playing", playSeconds(request, data));
+    player.playStop();
+    return kExitOk;
+}
+
+// "left" is heard on the left, so the right side is the one muted.
+int pan(CDirectSnd3DBuffty& buffer, const std::wstring& side)
+{
+    if (side == L"left")
+        return buffer.panMuteRight();
+    if (side == L"right")
+        return buffer.panMuteLeft();
+    return buffer.panCenter();
+}
+
+int playPanned(const PlayRequest& request, CSndDatatyx& data, CDirectSndDevicety& device)
+{
+    CDirectSnd3DBuffty buffer;
+    if (!buffer.setSndData2DSndBuf2ndStd(&data, &device))
+        return failRun("play", "the sound buffer could not be made");
+    if (!pan(buffer, request.pan))
+        return failRun("play", "the sound could not be panned");
+    const int started = request.loopSeconds > 0.0 ? buffer.sendAudioStimLoop() : buffer.sendAudioStim();
+    if (!started)
+        return failRun("play", "the sound could not be played");
+    waitShowingProgress("playing", playSeconds(request, data));
+    buffer.stopAudioStim();
+    return kExitOk;
+}
+
+D3DVECTOR vectorOf(const float (&xyz)[3])
+{
+    D3DVECTOR v;
+    v.x = xyz[0];
+    v.y = xyz[1];
+    v.z = xyz[2];
+    return v;
+}
+
+int playIn3D(const PlayRequest& request, CSndDatatyx& data, CDirectSndDevicety& device)
+{
+    CDirectSnd3DBuffty buffer;
+    if (!buffer.setSndData2DS3Dbuff2(&data, &device))
+        return failRun("play", "the 3D sound buffer could not be made");
+    buffer.m_ds3dBuffer.vPosition = vectorOf(request.position);
+    buffer.m_ds3dBuffer.vVelocity = vectorOf(request.velocity);
+    if (!buffer.sendAudioStimDS3D())
+        return failRun("play", "the 3D sound could not be played");
+    waitShowingProgress("playing", playSeconds(request, data));
+    buffer.stopAudioStim();
+    return kExitOk;
+}
+}
+
+int runPlay(const Words& words)
+{
+    Arguments args;
+    std::string reason;
+    PlayRequest request;
+    if (!splitArguments(words, {L"--loop", L"--pan", L"--3d", L"--move"}, 1, args, reason))
+        return failUsage("play", reason);
+    if (args.help)
+    {
+        say("%s", kUsage);
+        return kExitOk;
+    }
+    if (!readRequest(args, request, reason))
+        return failUsage("play", reason);
+
+    CSndDatatyx data;
+    if (!readWaveFile(request.file, data, reason))
+        return failRun("play", reason);
+    const tWAVEFORMATEX wfx = data.getAudioWaveDataWfx();
+    if (!isPlayableFormat(wfx, reason))
+        return failRun("play", toUtf8(request.file) + ": " + reason);
+
+    SoundSession session;
+    if (!session.open(reason))
+        return failRun("play", reason);
+    say("playing %s: %.3f s, %lu Hz, %u channels, %u bits", toUtf8(request.file).c_str(),
+        secondsOf(data.getDataSize(), wfx), (unsigned long)wfx.nSamplesPerSec, wfx.nChannels, wfx.wBitsPerSample);
+    int status = kExitOk;
+    if (request.threeD)
+        status = playIn3D(request, data, session.device());
+    else if (!request.pan.empty())
+        status = playPanned(request, data, session.device());
+    else
+        status = playThroughFacade(request, data);
+    if (status == kExitOk)
+        say("played");
+    return status;
+}
