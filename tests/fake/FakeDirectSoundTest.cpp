@@ -257,29 +257,6 @@ TEST_F(FakeDeviceTest, FailNthCountsEveryCallSinceTheStart)
         b->Release();
 }
 
-TEST_F(FakeDeviceTest, ScriptedSuccessCodeStillDoesTheWork)
-{
-    IDirectSoundBuffer8* b = buffer(16);
-    fake_.failAlways("IDirectSoundBuffer::Play", S_FALSE);
-    EXPECT_EQ(S_FALSE, b->Play(0, 0, DSBPLAY_LOOPING));
-    EXPECT_EQ(DWORD{DSBSTATUS_PLAYING | DSBSTATUS_LOOPING}, fake_.bufferInfo(b).status);
-    fake_.failAlways("IDirectSoundBuffer::QueryInterface", E_NOINTERFACE);
-    void* out = &out;
-    EXPECT_EQ(E_NOINTERFACE, b->QueryInterface(IID_IDirectSoundBuffer, &out));
-    EXPECT_EQ(nullptr, out);
-    fake_.clearScript();
-    EXPECT_EQ(DS_OK, b->Play(0, 0, 0));
-    EXPECT_EQ(2, fake_.count("IDirectSoundBuffer::Play", b));
-    b->Release();
-}
-
-TEST_F(FakeDeviceTest, ScriptingAnUnknownCallIsAnError)
-{
-    EXPECT_THROW(fake_.failAlways("IDirectSoundBuffer::Ply", E_FAIL), std::invalid_argument);
-    EXPECT_THROW(fake_.failAlways("IDirectSoundBuffer::Release", E_FAIL), std::invalid_argument);
-    EXPECT_THROW(fake_.failNth("IDirectSoundBuffer::Play", 0, E_FAIL), std::invalid_argument);
-}
-
 // ---- Reference accounting ------------------------------------------------------------------
 
 TEST_F(FakeDeviceTest, TearOffInterfacesKeepTheBufferUntilTheLastRelease)
@@ -299,33 +276,6 @@ TEST_F(FakeDeviceTest, TearOffInterfacesKeepTheBufferUntilTheLastRelease)
     EXPECT_EQ(E_UNEXPECTED, b->Play(0, 0, 0));
     EXPECT_EQ(1, fake_.deadObjectCalls());
     EXPECT_EQ(1, fake_.liveObjects()); // the device
-}
-
-TEST_F(FakeDeviceTest, QueryInterfaceFollowsTheCreationFlags)
-{
-    IDirectSoundBuffer8* plain = buffer(16);
-    EXPECT_EQ(nullptr, query<IDirectSound3DBuffer>(plain, IID_IDirectSound3DBuffer));
-    EXPECT_EQ(nullptr, query<IDirectSoundNotify>(plain, IID_IDirectSoundNotify));
-    IDirectSoundBuffer* primary = nullptr;
-    DSBUFFERDESC desc{sizeof(DSBUFFERDESC), DSBCAPS_PRIMARYBUFFER, 0, 0, nullptr, GUID{}};
-    ASSERT_EQ(DS_OK, device_->CreateSoundBuffer(&desc, &primary, nullptr));
-    EXPECT_EQ(nullptr, query<IDirectSound3DListener>(primary, IID_IDirectSound3DListener));
-    EXPECT_EQ(nullptr, query<IDirectSoundBuffer8>(primary, IID_IDirectSoundBuffer8));
-    plain->Release();
-    primary->Release();
-    EXPECT_EQ(1, fake_.liveObjects()); // the device
-}
-
-TEST_F(FakeDeviceTest, LeakReportNamesWhatIsStillHeld)
-{
-    IDirectSoundBuffer8* b = buffer(16);
-    b->AddRef();
-    const std::string report = fake_.leakReport();
-    EXPECT_NE(std::string::npos, report.find("IDirectSoundBuffer8 (secondary, 16 bytes"));
-    EXPECT_NE(std::string::npos, report.find(": 2 references"));
-    b->Release();
-    b->Release();
-    EXPECT_EQ(std::string::npos, fake_.leakReport().find("IDirectSoundBuffer8"));
 }
 
 TEST_F(FakeDeviceTest, ClosedNotificationEventsStopCountingEvenWhenTheirValueIsReused)
@@ -375,21 +325,6 @@ TEST_F(FakeDeviceTest, DeferredChangesTakeEffectAtCommit)
         i->Release();
 }
 
-TEST_F(FakeDeviceTest, PrimaryFormatAnswersTheSizeQuestionFirst)
-{
-    IDirectSoundBuffer* primary = nullptr;
-    DSBUFFERDESC desc{sizeof(DSBUFFERDESC), DSBCAPS_PRIMARYBUFFER, 0, 0, nullptr, GUID{}};
-    ASSERT_EQ(DS_OK, device_->CreateSoundBuffer(&desc, &primary, nullptr));
-    DWORD size = 0;
-    ASSERT_EQ(DS_OK, primary->GetFormat(nullptr, 0, &size));
-    EXPECT_EQ(18u, size);
-    WAVEFORMATEX format{};
-    EXPECT_EQ(DSERR_INVALIDPARAM, primary->GetFormat(&format, size - 1, nullptr));
-    ASSERT_EQ(DS_OK, primary->GetFormat(&format, size, nullptr));
-    EXPECT_EQ(22050u, format.nSamplesPerSec);
-    primary->Release();
-}
-
 // ---- Entry functions and clock -------------------------------------------------------------
 
 TEST(FakeSeamTest, WithoutAFakeThereIsNoSoundCard)
@@ -398,38 +333,6 @@ TEST(FakeSeamTest, WithoutAFakeThereIsNoSoundCard)
     EXPECT_EQ(DSERR_NODRIVER, DSndPlatform::createSound8(nullptr, &sound, nullptr));
     EXPECT_EQ(nullptr, sound);
     EXPECT_EQ(0u, DSndPlatform::milliseconds());
-}
-
-TEST(FakeSeamTest, OnlyOneFakeAtATime)
-{
-    FakeDirectSound fake;
-    EXPECT_THROW(FakeDirectSound second, std::logic_error);
-}
-
-TEST(FakeSeamTest, EnumerationOffersTheListedDevicesUntilTheCallbackDeclines)
-{
-    FakeDirectSound fake;
-    const GUID extra{0x1234, 0, 0, {1, 2, 3, 4, 5, 6, 7, 8}};
-    fake.addPlaybackDevice(&extra, "Extra", "extra.drv");
-    struct Seen
-    {
-        std::vector<std::string> names;
-        size_t stopAfter;
-    } seen{{}, 2};
-    auto callback = [](LPGUID, LPCSTR description, LPCSTR, LPVOID context) -> BOOL {
-        auto* s = static_cast<Seen*>(context);
-        s->names.push_back(description);
-        return s->names.size() < s->stopAfter;
-    };
-    EXPECT_EQ(DS_OK, DSndPlatform::enumerateSound(callback, &seen));
-    EXPECT_EQ((std::vector<std::string>{"Primary Sound Driver", "Null Output"}), seen.names);
-
-    IDirectSound8* sound = nullptr;
-    ASSERT_EQ(DS_OK, DSndPlatform::createSound8(&extra, &sound, nullptr));
-    EXPECT_EQ(&extra, fake.soundCreates()[0].guidPointer);
-    sound->Release();
-    const GUID unknown{0x9999, 0, 0, {0}};
-    EXPECT_EQ(DSERR_NODRIVER, DSndPlatform::createSound8(&unknown, &sound, nullptr));
 }
 
 TEST(FakeSeamTest, ClockStepAdvancesAfterEachRead)

@@ -1,6 +1,7 @@
 // stimctl as a user runs it: a separate process whose exit status, output and files are
 // checked, and whose sound is recorded back through the loopback.
 
+#include "ChildProcess.h"
 #include "DeviceHarness.h"
 #include "LoopbackRecorder.h"
 #include "SignalAnalysis.h"
@@ -10,21 +11,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <mutex>
-#include <thread>
 
 using namespace dsty_test;
 
 namespace
 {
-std::wstring folderOfThisProgram()
-{
-    wchar_t path[MAX_PATH] = L"";
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder(path);
-    return folder.substr(0, folder.find_last_of(L"\\/") + 1);
-}
-
 std::wstring scratchFolder()
 {
     wchar_t temp[MAX_PATH] = L"";
@@ -34,115 +25,11 @@ std::wstring scratchFolder()
     return folder;
 }
 
-// A pipe end the child writes into, drained by a thread of ours.
-class Drain
+// stimctl, started from beside this test program.
+class Stimctl : public ChildProcess
 {
 public:
-    explicit Drain(HANDLE& childEnd)
-    {
-        SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-        CreatePipe(&m_read, &childEnd, &inherit, 0);
-        SetHandleInformation(m_read, HANDLE_FLAG_INHERIT, 0);
-    }
-    ~Drain()
-    {
-        if (m_reader.joinable())
-            m_reader.join();
-        CloseHandle(m_read);
-    }
-    void start()
-    {
-        m_reader = std::thread([this] {
-            char chunk[512];
-            DWORD got = 0;
-            while (ReadFile(m_read, chunk, sizeof chunk, &got, nullptr) && got > 0)
-            {
-                std::lock_guard<std::mutex> hold(m_lock);
-                m_text.append(chunk, got);
-            }
-        });
-    }
-    std::string text()
-    {
-        std::lock_guard<std::mutex> hold(m_lock);
-        return m_text;
-    }
-    void finish() { m_reader.join(); }
-
-private:
-    HANDLE m_read = nullptr;
-    std::thread m_reader;
-    std::mutex m_lock;
-    std::string m_text;
-};
-
-// A console program's text output ends its lines with CR LF.
-std::string withoutCarriageReturns(std::string text)
-{
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
-}
-
-struct Outcome
-{
-    DWORD status;
-    std::string out, err;
-};
-
-class Stimctl
-{
-public:
-    explicit Stimctl(const std::wstring& arguments) : m_out(m_childOut), m_err(m_childErr)
-    {
-        STARTUPINFOW start{};
-        start.cb = sizeof start;
-        start.dwFlags = STARTF_USESTDHANDLES;
-        start.hStdOutput = m_childOut;
-        start.hStdError = m_childErr;
-        std::wstring line = L"\"" + folderOfThisProgram() + L"stimctl.exe\" " + arguments;
-        m_started = CreateProcessW(nullptr, &line[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &m_process);
-        CloseHandle(m_childOut);
-        CloseHandle(m_childErr);
-        m_out.start();
-        m_err.start();
-    }
-    ~Stimctl()
-    {
-        if (!m_started)
-            return;
-        if (WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT)
-            TerminateProcess(m_process.hProcess, 99);
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
-
-    // True once stdout holds `text`.
-    bool awaitOutput(const std::string& text, DWORD timeoutMs = 10000)
-    {
-        for (DWORD waited = 0; waited < timeoutMs; waited += 20, Sleep(20))
-            if (m_out.text().find(text) != std::string::npos)
-                return true;
-        return false;
-    }
-
-    Outcome finish(DWORD timeoutMs = 60000)
-    {
-        Outcome outcome{9999, "", ""};
-        if (!m_started || WaitForSingleObject(m_process.hProcess, timeoutMs) != WAIT_OBJECT_0)
-            return outcome;
-        GetExitCodeProcess(m_process.hProcess, &outcome.status);
-        m_out.finish();
-        m_err.finish();
-        outcome.out = withoutCarriageReturns(m_out.text());
-        outcome.err = withoutCarriageReturns(m_err.text());
-        return outcome;
-    }
-
-private:
-    HANDLE m_childOut = nullptr, m_childErr = nullptr;
-    Drain m_out, m_err;
-    PROCESS_INFORMATION m_process{};
-    BOOL m_started = FALSE;
+    explicit Stimctl(const std::wstring& arguments) : ChildProcess(L"stimctl.exe", arguments) {}
 };
 
 Outcome stimctl(const std::wstring& arguments)
