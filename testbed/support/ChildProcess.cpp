@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <string>
 #include <thread>
 
 namespace dsty_test
@@ -73,8 +74,17 @@ ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& argu
     start.dwFlags = STARTF_USESTDHANDLES;
     start.hStdOutput = m_childOut;
     start.hStdError = m_childErr;
-    std::wstring line = L"\"" + folderOfThisProgram() + program + L"\" " + arguments;
-    m_started = CreateProcessW(nullptr, &line[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &m_process);
+    // Under Wine a start now and then fails while other processes come and go; try again.
+    for (int attempt = 0; attempt < 5 && !m_started; attempt++)
+    {
+        std::wstring line = L"\"" + folderOfThisProgram() + program + L"\" " + arguments;
+        m_started = CreateProcessW(nullptr, &line[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &m_process);
+        if (!m_started)
+        {
+            m_startError = GetLastError();
+            Sleep(100);
+        }
+    }
     CloseHandle(m_childOut);
     CloseHandle(m_childErr);
     m_out->start();
@@ -102,7 +112,12 @@ bool ChildProcess::awaitOutput(const std::string& text, DWORD timeoutMs)
 Outcome ChildProcess::finish(DWORD timeoutMs)
 {
     Outcome outcome{9999, "", ""};
-    if (!m_started || WaitForSingleObject(m_process.hProcess, timeoutMs) != WAIT_OBJECT_0)
+    if (!m_started)
+    {
+        outcome.err = "could not start: error " + std::to_string(m_startError);
+        return outcome;
+    }
+    if (WaitForSingleObject(m_process.hProcess, timeoutMs) != WAIT_OBJECT_0)
         return outcome;
     GetExitCodeProcess(m_process.hProcess, &outcome.status);
     m_out->finish();

@@ -33,6 +33,7 @@ private:
     std::unique_ptr<Drain> m_out, m_err;
     PROCESS_INFORMATION m_process{};
     BOOL m_started = FALSE;
+    DWORD m_startError = 0;
 };
 
 // The folder the running test program is in, with a trailing separator.
