@@ -1,5 +1,6 @@
 #include "DirectSnd3DBuff5Notify.h"
 #include "../foundation/ComRelease.h"
+#include "../foundation/NotifyEvents.h"
 
 namespace
 {
@@ -16,18 +17,7 @@ CDirectSnd3DBuff5Notify::CDirectSnd3DBuff5Notify()
 CDirectSnd3DBuff5Notify::~CDirectSnd3DBuff5Notify()
 {
     releaseInterface(m_pDSNotify);
-    closeNotifyEvents();
-}
-
-void CDirectSnd3DBuff5Notify::closeNotifyEvents()
-{
-    for (DSBPOSITIONNOTIFY& entry : m_posNotify)
-    {
-        if (entry.hEventNotify != NULL)
-            CloseHandle(entry.hEventNotify);
-        entry.hEventNotify = NULL;
-        entry.dwOffset = 0;
-    }
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
 }
 
 int CDirectSnd3DBuff5Notify::quaryNotify()
@@ -51,7 +41,7 @@ int CDirectSnd3DBuff5Notify::initNotifyEvt(unsigned long ulTotal, unsigned long 
     if (ulStep == 0 || m_pDSNotify == NULL)
         return 0;
 
-    closeNotifyEvents();
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_posNotify[0].hEventNotify = CreateEventW(NULL, FALSE, FALSE, NULL);
 
@@ -77,7 +67,7 @@ int CDirectSnd3DBuff5Notify::initStopEvt()
 {
     if (m_pDSNotify == NULL)
         return 0;
-    closeNotifyEvents();
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_hr = m_pDSNotify->SetNotificationPositions(1, m_posNotify);

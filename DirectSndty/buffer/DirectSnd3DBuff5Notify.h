@@ -29,5 +29,4 @@ protected:
 
 private:
     int hasStatus(DWORD dwBit);
-    void closeNotifyEvents();
 };

@@ -1,5 +1,6 @@
 #include "DSndCapturety2BuffNotify.h"
 #include "../foundation/ComRelease.h"
+#include "../foundation/NotifyEvents.h"
 
 namespace
 {
@@ -17,20 +18,7 @@ CDSndCapturety2BuffNotify::CDSndCapturety2BuffNotify()
 CDSndCapturety2BuffNotify::~CDSndCapturety2BuffNotify()
 {
     _freeNotify();
-    closeNotifyEvents();
-}
-
-// Events of an earlier table go when a new table is made: nothing waits on them then.
-void CDSndCapturety2BuffNotify::closeNotifyEvents()
-{
-    for (DSBPOSITIONNOTIFY& entry : m_posNotify)
-    {
-        if (entry.hEventNotify == NULL)
-            continue;
-        CloseHandle(entry.hEventNotify);
-        entry.hEventNotify = NULL;
-        entry.dwOffset = 0;
-    }
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
 }
 
 int CDSndCapturety2BuffNotify::_freeNotify()
@@ -59,7 +47,7 @@ int CDSndCapturety2BuffNotify::initDSBNevt()
 {
     if (m_pDSNotify == NULL)
         return 0;
-    closeNotifyEvents();
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_hr = m_pDSNotify->SetNotificationPositions(1, m_posNotify);
@@ -73,7 +61,7 @@ int CDSndCapturety2BuffNotify::initDSBNoteEvt(unsigned long ulBytes, unsigned lo
     unsigned long ulStep = kSpacingUnits * ulUnit;
     if (m_pDSNotify == NULL || ulStep == 0)
         return 0;
-    closeNotifyEvents();
+    closeNotifyEvents(m_posNotify, kNotifyEntries);
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
 

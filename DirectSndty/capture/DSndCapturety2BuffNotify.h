@@ -25,7 +25,4 @@ protected:
     int m_nNotifyPositions;
     DSBPOSITIONNOTIFY m_posNotify[kNotifyEntries]; // entry 0 is the stop entry
     IDirectSoundNotify* m_pDSNotify;
-
-private:
-    void closeNotifyEvents();
 };
