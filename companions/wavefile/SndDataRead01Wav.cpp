@@ -1,28 +1,17 @@
 #include "SndDataRead01Wav.h"
 
 #include <algorithm>
+#include "ResultKeeper.h"
 #include "RiffReader.h"
 #include "Win32File.h"
 
 IMPLEMENT_DYNAMIC(CSndDataRead01Wav, CObject)
 
-struct CSndDataRead01Wav::Impl
+struct CSndDataRead01Wav::Impl : ResultKeeper
 {
     Win32File file;
     wavefile::WaveLayout layout; // all zero while no file is open
     uint32_t consumed = 0;       // bytes of sound data handed out
-    WaveFileResult result = WAVEFILE_OK;
-
-    int fail(WaveFileResult why)
-    {
-        result = why;
-        return 0;
-    }
-    int succeed()
-    {
-        result = WAVEFILE_OK;
-        return 1;
-    }
 };
 
 CSndDataRead01Wav::CSndDataRead01Wav()

@@ -1,27 +1,16 @@
 #include "SndWaveWriteStreamty.h"
 
+#include "ResultKeeper.h"
 #include "WaveHeader.h"
 #include "Win32File.h"
 
 IMPLEMENT_DYNAMIC(CSndWaveWriteStreamty, CObject)
 
-struct CSndWaveWriteStreamty::Impl
+struct CSndWaveWriteStreamty::Impl : ResultKeeper
 {
     Win32File file;
     wavefile::PcmFormat format; // all zero while no file is open
     uint32_t written = 0;       // bytes of data after the header
-    WaveFileResult result = WAVEFILE_OK;
-
-    int fail(WaveFileResult why)
-    {
-        result = why;
-        return 0;
-    }
-    int succeed()
-    {
-        result = WAVEFILE_OK;
-        return 1;
-    }
 
     bool writeHeader()
     {
