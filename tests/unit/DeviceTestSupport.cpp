@@ -65,7 +65,7 @@ bool sameFormat(const tWAVEFORMATEX& a, const tWAVEFORMATEX& b)
 void DeviceTest::openDevice(TestDevice& device)
 {
     ASSERT_EQ(1, device.createDSndObject(NULL));
-    fake.clearLog();
+    tap.clearLog();
 }
 
 void DeviceTest::bringLevel(TestDevice& device, DWORD level)
@@ -73,5 +73,7 @@ void DeviceTest::bringLevel(TestDevice& device, DWORD level)
     HWND window = reinterpret_cast<HWND>(0x1234);
     ASSERT_EQ(1, device.setDSndCooperatLevelStd(window, level));
     ASSERT_EQ(1, device.setDSndCooperatLevelStd(window, level));
-    ASSERT_EQ(level, fake.cooperativeLevel());
+    const auto levels = tap.callsTo("IDirectSound8::SetCooperativeLevel");
+    ASSERT_FALSE(levels.empty());
+    ASSERT_EQ(level, levels.back().args[1]);
 }

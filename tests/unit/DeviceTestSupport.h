@@ -1,9 +1,9 @@
 #pragma once
-// What the device tests share: a device whose protected operations are reachable, the
-// simulated DirectSound it runs on, and a record of the message boxes it showed.
+// What the device tests share: a device whose protected operations are reachable, the tap on
+// the system's DirectSound it runs through, and a record of the message boxes it showed.
 
 #include "DirectSndty.h"
-#include "FakeDirectSound.h"
+#include "DSoundTap.h"
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -53,11 +53,11 @@ bool sameFormat(const tWAVEFORMATEX& a, const tWAVEFORMATEX& b);
 class DeviceTest : public ::testing::Test
 {
 protected:
-    // Opens the default device on the simulated DirectSound, recording nothing of it.
+    // Opens the default device through the tap, keeping nothing of it in the log.
     void openDevice(TestDevice& device);
     // The platform takes a level one call late: asking twice puts it there.
     void bringLevel(TestDevice& device, DWORD level);
 
-    fakeds::FakeDirectSound fake;
+    dstap::DSoundTap tap;
     MessageBoxLog messages;
 };

@@ -25,9 +25,9 @@ TEST_F(ListenerFactoryTest, HandsOutSecondaryBuffersTheCallerOwns)
     IDirectSoundBuffer8* pBuffer = nullptr;
     ASSERT_EQ(1, device.getDSndBuff2Std(describe(DSBCAPS_CTRLPAN, &wfx), pBuffer));
     ASSERT_NE(nullptr, pBuffer);
-    EXPECT_EQ(1, fake.refCount(pBuffer));
+    EXPECT_EQ(1, tap.refCount(pBuffer));
     pBuffer->Release();
-    EXPECT_EQ(1, fake.liveObjects()) << fake.leakReport(); // the device alone
+    EXPECT_EQ(1, tap.liveObjects()) << tap.leakReport(); // the device alone
 }
 
 TEST_F(ListenerFactoryTest, FailedInterfaceQueryIsReportedAndLeavesNothing)
@@ -35,11 +35,11 @@ TEST_F(ListenerFactoryTest, FailedInterfaceQueryIsReportedAndLeavesNothing)
     openDevice(device);
     tWAVEFORMATEX wfx = pcmFormat(2, 44100, 16);
     IDirectSoundBuffer8* pBuffer = reinterpret_cast<IDirectSoundBuffer8*>(1);
-    fake.failAlways("IDirectSoundBuffer::QueryInterface", E_NOINTERFACE);
+    tap.failAlways("IDirectSoundBuffer::QueryInterface", E_NOINTERFACE);
     EXPECT_EQ(0, device.getDSndBuff2Std(describe(DSBCAPS_CTRLPAN, &wfx), pBuffer));
     EXPECT_EQ(nullptr, pBuffer);
     EXPECT_TRUE(messages.saw(L"Query Interface error!"));
-    EXPECT_EQ(1, fake.liveObjects()) << fake.leakReport();
+    EXPECT_EQ(1, tap.liveObjects()) << tap.leakReport();
 }
 
 TEST_F(ListenerFactoryTest, ThreeDBufferNeedsThreeDControlAndFailsQuietlyWithout)
@@ -52,13 +52,13 @@ TEST_F(ListenerFactoryTest, ThreeDBufferNeedsThreeDControlAndFailsQuietlyWithout
     EXPECT_EQ(nullptr, pBuffer);
     EXPECT_EQ(nullptr, p3D);
     EXPECT_TRUE(messages.texts().empty());
-    EXPECT_EQ(1, fake.liveObjects()) << fake.leakReport();
+    EXPECT_EQ(1, tap.liveObjects()) << tap.leakReport();
 
     ASSERT_EQ(1, device.getDirectSnd3DBuffer(describe(DSBCAPS_CTRL3D, &wfx), pBuffer, p3D));
     ASSERT_NE(nullptr, p3D);
     p3D->Release();
     pBuffer->Release();
-    EXPECT_EQ(1, fake.liveObjects()) << fake.leakReport();
+    EXPECT_EQ(1, tap.liveObjects()) << tap.leakReport();
 }
 
 TEST_F(ListenerFactoryTest, ListenerNeedsInitialisingFirst)
@@ -75,7 +75,7 @@ TEST_F(ListenerFactoryTest, ListenerComesFromAThreeDPrimaryThatIsLetGo)
     IDirectSound3DListener* pListener = device.getDirectSnd3DListener(true);
     ASSERT_NE(nullptr, pListener);
     EXPECT_EQ(nullptr, device.m_pDSBufferPrimary);
-    auto requests = fake.bufferRequests();
+    auto requests = tap.bufferRequests();
     ASSERT_EQ(1u, requests.size());
     EXPECT_EQ(static_cast<DWORD>(DSBCAPS_PRIMARYBUFFER | DSBCAPS_CTRL3D), requests[0].desc.dwFlags);
     EXPECT_EQ(pListener, device.getDirectSnd3DListener(false));
@@ -95,7 +95,7 @@ TEST_F(ListenerFactoryTest, ListenerParametersAreReadSetDeferredAndCommitted)
     device.m_ds3dListener.vPosition.x = 2.5f;
     device.m_ds3dListener.flDopplerFactor = 1.5f;
     ASSERT_EQ(1, device.setCommitDS3DListenerParam());
-    auto sets = fake.callsTo("IDirectSound3DListener::SetAllParameters");
+    auto sets = tap.callsTo("IDirectSound3DListener::SetAllParameters");
     ASSERT_EQ(1u, sets.size());
     EXPECT_EQ(static_cast<std::uintptr_t>(DS3D_DEFERRED), sets[0].args[1]);
     ASSERT_EQ(1, device.commitDS3DListenerDeferredSettings());
@@ -109,13 +109,13 @@ TEST_F(ListenerFactoryTest, ListenerFailuresAreReported)
     ASSERT_NE(nullptr, device.initializeDSndListener());
     device.m_ds3dListener.dwSize = 64;
     device.m_ds3dListener.flRolloffFactor = 3.0f;
-    fake.failAlways("IDirectSound3DListener::GetAllParameters", DSERR_GENERIC);
+    tap.failAlways("IDirectSound3DListener::GetAllParameters", DSERR_GENERIC);
     EXPECT_EQ(0, device.getDS3DListenerPara());
     DS3DLISTENER zero = {};
     EXPECT_EQ(0, memcmp(&zero, &device.m_ds3dListener, sizeof(zero)));
 
-    fake.failAlways("IDirectSound3DListener::SetAllParameters", DSERR_GENERIC);
-    fake.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
+    tap.failAlways("IDirectSound3DListener::SetAllParameters", DSERR_GENERIC);
+    tap.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
     EXPECT_EQ(0, device.setCommitDS3DListenerParam());
     EXPECT_EQ(0, device.commitDS3DListenerDeferredSettings());
     EXPECT_EQ((std::vector<std::wstring>{L"Direct sound 3D listener set all parameters error",

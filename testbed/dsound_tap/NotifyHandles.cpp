@@ -5,7 +5,7 @@
 #include <atomic>
 #include <vector>
 
-namespace fakeds
+namespace dstap
 {
 
 namespace
@@ -94,22 +94,13 @@ NotifyHandles::~NotifyHandles()
     closeWitnesses();
 }
 
-int NotifyHandles::track(HANDLE event)
+void NotifyHandles::track(HANDLE event)
 {
     const auto known = latest_.find(event);
     if (known != latest_.end() && stillOpen(tracked_[known->second]))
-        return known->second;
+        return;
     tracked_.push_back({event, duplicate(event)});
-    const int id = static_cast<int>(tracked_.size() - 1);
-    latest_[event] = id;
-    return id;
-}
-
-void NotifyHandles::signal(int id) const
-{
-    const Tracked& tracked = tracked_.at(static_cast<size_t>(id));
-    if (tracked.witness)
-        SetEvent(tracked.witness);
+    latest_[event] = static_cast<int>(tracked_.size() - 1);
 }
 
 int NotifyHandles::open() const
@@ -155,4 +146,4 @@ void NotifyHandles::forget(Tracked& tracked) const
     --g_witnesses;
 }
 
-} // namespace fakeds
+} // namespace dstap

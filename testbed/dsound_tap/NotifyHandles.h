@@ -2,20 +2,18 @@
 // Keeps track of the event handles the library hands to SetNotificationPositions, so that a
 // test can ask which of them the library has since closed.
 //
-// For each handle the fake holds a duplicate (a "witness") of its own. A handle counts as open
+// For each handle the tap holds a duplicate (a "witness") of its own. A handle counts as open
 // while GetHandleInformation accepts it and it still names the same kernel object as the
 // witness (CompareObjectHandles), so a closed handle whose value the system has reused for
 // another object is seen as closed. Limit: where CompareObjectHandles is missing, only
 // GetHandleInformation is used and such a reuse goes unnoticed.
-// Events are set through the witness, so signalling never touches an unrelated object that
-// happens to have inherited a closed handle's value.
 
 #include <windows.h>
 
 #include <map>
 #include <vector>
 
-namespace fakeds
+namespace dstap
 {
 
 class NotifyHandles
@@ -26,9 +24,8 @@ public:
     NotifyHandles& operator=(const NotifyHandles&) = delete;
     ~NotifyHandles();
 
-    // Starts tracking a handle (or finds it tracked already); gives the id to signal it by.
-    int track(HANDLE event);
-    void signal(int id) const;
+    // Starts tracking a handle, unless it is tracked and still open already.
+    void track(HANDLE event);
     int open() const;
     void closeWitnesses();
 
@@ -50,4 +47,4 @@ private:
     std::map<HANDLE, int> latest_; // handle value -> id it was last tracked under
 };
 
-} // namespace fakeds
+} // namespace dstap
