@@ -1,5 +1,9 @@
 #include "DeviceTestSupport.h"
 
+#include "DialogDriver.h"
+
+#include <thread>
+
 namespace
 {
 const HWND kWindow = reinterpret_cast<HWND>(0x1234);
@@ -7,7 +11,18 @@ const HWND kWindow = reinterpret_cast<HWND>(0x1234);
 class DeviceObjectTest : public DeviceTest
 {
 protected:
+    // The device's capability report from now on.
+    void answerCaps(DWORD flags, DWORD minRate = 0, DWORD maxRate = 0)
+    {
+        caps.dwSize = sizeof caps;
+        caps.dwFlags = flags;
+        caps.dwMinSecondarySampleRate = minRate;
+        caps.dwMaxSecondarySampleRate = maxRate;
+        tap.answerWith("IDirectSound8::GetCaps", 0, caps);
+    }
+
     TestDevice device;
+    DSCAPS caps = {};
 };
 
 TEST_F(DeviceObjectTest, NewDeviceStartsClosedAtNormalLevel)
@@ -24,16 +39,16 @@ TEST_F(DeviceObjectTest, NewDeviceStartsClosedAtNormalLevel)
 TEST_F(DeviceObjectTest, OpensTheDefaultDeviceAndReleasesAFailedOne)
 {
     ASSERT_EQ(1, device.createDSndObject(NULL));
-    ASSERT_EQ(1, fake.count("DirectSoundCreate8"));
-    EXPECT_EQ(0u, fake.callsTo("DirectSoundCreate8")[0].args[0]);
+    ASSERT_EQ(1, tap.count("DirectSoundCreate8"));
+    EXPECT_EQ(0u, tap.callsTo("DirectSoundCreate8")[0].args[0]);
     EXPECT_NE(nullptr, device.getDirectSnd());
 
-    fake.failAlways("DirectSoundCreate8", DSERR_NODRIVER);
+    tap.failAlways("DirectSoundCreate8", DSERR_NODRIVER);
     EXPECT_EQ(0, device.createDSndObject(NULL));
     EXPECT_EQ(nullptr, device.getDirectSnd());
     EXPECT_EQ(DSERR_NODRIVER, device.m_hr);
     EXPECT_TRUE(messages.texts().empty());
-    EXPECT_EQ(0, fake.liveObjects()) << fake.leakReport();
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
 }
 
 TEST_F(DeviceObjectTest, CooperativeLevelReachesThePlatformOneCallLate)
@@ -44,7 +59,7 @@ TEST_F(DeviceObjectTest, CooperativeLevelReachesThePlatformOneCallLate)
     EXPECT_EQ(kWindow, device.getSndDeviceHwnd());
 
     ASSERT_EQ(1, device.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY));
-    auto calls = fake.callsTo("IDirectSound8::SetCooperativeLevel");
+    auto calls = tap.callsTo("IDirectSound8::SetCooperativeLevel");
     ASSERT_EQ(2u, calls.size());
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(kWindow), calls[0].args[0]);
     EXPECT_EQ(static_cast<std::uintptr_t>(DSSCL_NORMAL), calls[0].args[1]);
@@ -55,7 +70,7 @@ TEST_F(DeviceObjectTest, FailedCooperativeLevelFallsBackToNormalAndKeepsTheWindo
 {
     openDevice(device);
     ASSERT_EQ(1, device.setDSndCooperatLevelStd(kWindow, DSSCL_EXCLUSIVE));
-    fake.failAlways("IDirectSound8::SetCooperativeLevel", DSERR_INVALIDPARAM);
+    tap.failAlways("IDirectSound8::SetCooperativeLevel", DSERR_INVALIDPARAM);
     EXPECT_EQ(0, device.setDSndCooperatLevelStd(reinterpret_cast<HWND>(0x99), DSSCL_PRIORITY));
     EXPECT_EQ(static_cast<DWORD>(DSSCL_NORMAL), device.m_dwCoopLevel);
     EXPECT_EQ(kWindow, device.getSndDeviceHwnd());
@@ -65,21 +80,20 @@ TEST_F(DeviceObjectTest, FailedCooperativeLevelFallsBackToNormalAndKeepsTheWindo
 TEST_F(DeviceObjectTest, ClosedDeviceSetsNoLevel)
 {
     EXPECT_EQ(0, device.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY));
-    EXPECT_EQ(0, fake.count("IDirectSound8::SetCooperativeLevel"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::SetCooperativeLevel"));
     EXPECT_TRUE(messages.texts().empty());
 }
 
 TEST_F(DeviceObjectTest, CapabilityAnswersPreferStereoAndEightBits)
 {
     openDevice(device);
-    fake.caps().dwFlags = DSCAPS_SECONDARYMONO | DSCAPS_SECONDARYSTEREO | DSCAPS_SECONDARY8BIT |
-                          DSCAPS_SECONDARY16BIT;
+    answerCaps(DSCAPS_SECONDARYMONO | DSCAPS_SECONDARYSTEREO | DSCAPS_SECONDARY8BIT | DSCAPS_SECONDARY16BIT);
     EXPECT_EQ(2, device.get2ndChannels());
     EXPECT_EQ(8, device.get2ndSampleBits());
-    fake.caps().dwFlags = DSCAPS_SECONDARYMONO | DSCAPS_SECONDARY16BIT;
+    answerCaps(DSCAPS_SECONDARYMONO | DSCAPS_SECONDARY16BIT);
     EXPECT_EQ(1, device.get2ndChannels());
     EXPECT_EQ(16, device.get2ndSampleBits());
-    fake.caps().dwFlags = 0;
+    answerCaps(0);
     EXPECT_EQ(0, device.get2ndChannels());
     EXPECT_EQ(0, device.get2ndSampleBits());
 }
@@ -87,14 +101,14 @@ TEST_F(DeviceObjectTest, CapabilityAnswersPreferStereoAndEightBits)
 TEST_F(DeviceObjectTest, CapabilityAnswersTreatPositiveSuccessAsFailure)
 {
     openDevice(device);
-    fake.caps().dwMinSecondarySampleRate = 100;
-    fake.caps().dwMaxSecondarySampleRate = 200000;
+    answerCaps(0, 100, 200000);
     DWORD minRate = 7, maxRate = 8;
     ASSERT_EQ(1, device.getDSnd2ndBufSmpRat(minRate, maxRate));
     EXPECT_EQ(100u, minRate);
     EXPECT_EQ(200000u, maxRate);
 
-    fake.failAlways("IDirectSound8::GetCaps", S_FALSE);
+    tap.clearScript();
+    tap.failAlways("IDirectSound8::GetCaps", S_FALSE);
     minRate = 7;
     maxRate = 8;
     EXPECT_EQ(0, device.getDSnd2ndBufSmpRat(minRate, maxRate));
@@ -102,25 +116,29 @@ TEST_F(DeviceObjectTest, CapabilityAnswersTreatPositiveSuccessAsFailure)
     EXPECT_EQ(8u, maxRate);
     EXPECT_EQ(0, device.get2ndChannels());
     // The plain field getters answer whatever the refresh gave.
-    fake.caps().dwTotalHwMemBytes = 4096;
+    tap.clearScript();
+    caps.dwTotalHwMemBytes = 4096;
+    tap.answerWith("IDirectSound8::GetCaps", 0, caps);
     EXPECT_EQ(4096u, device.getTotalHwMemBytes());
 }
 
 TEST_F(DeviceObjectTest, StaticBufferCountIsTheCachedOneWithoutARefresh)
 {
     openDevice(device);
-    fake.caps().dwFreeHwMixingStaticBuffers = 12;
+    caps.dwSize = sizeof caps;
+    caps.dwFreeHwMixingStaticBuffers = 12;
+    tap.answerWith("IDirectSound8::GetCaps", 0, caps);
     EXPECT_EQ(0u, device.getFreeHwMixingStaticBufferSize());
     device.getDSCAPS();
     EXPECT_EQ(12u, device.getFreeHwMixingStaticBufferSize());
-    EXPECT_EQ(1, fake.count("IDirectSound8::GetCaps"));
+    EXPECT_EQ(1, tap.count("IDirectSound8::GetCaps"));
 }
 
 TEST_F(DeviceObjectTest, FailedCapabilityReportShowsItsMessageAndZeroesTheRecord)
 {
     openDevice(device);
     device.getDSCAPS();
-    fake.failAlways("IDirectSound8::GetCaps", DSERR_GENERIC);
+    tap.failAlways("IDirectSound8::GetCaps", DSERR_GENERIC);
     EXPECT_EQ(0, device.getDSCAPSPro());
     EXPECT_TRUE(messages.saw(L"Get sound device capability  error"));
     EXPECT_EQ(96u, device.m_dsCaps.dwSize);
@@ -138,8 +156,23 @@ TEST_F(DeviceObjectTest, DestructionReleasesEverything)
         ASSERT_NE(nullptr, local.enumerateDirectSndDeviceInfo());
         ASSERT_NE(nullptr, local.enumerateDirectSndDeviceInfo());
     }
-    EXPECT_EQ(0, fake.liveObjects()) << fake.leakReport();
-    EXPECT_EQ(0, fake.overReleases());
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
+    EXPECT_EQ(0, tap.overReleases());
+}
+
+TEST_F(DeviceObjectTest, ChosenDefaultCardInAnyLetterCaseOpensWithoutAGuid)
+{
+    const GUID unknownCard = {0xDEADBEEF, 1, 2, {3}};
+    tap.setPlaybackDevices({{true, unknownCard, "primary SOUND driver", ""}});
+    std::thread user([] {
+        if (HWND dialog = dsty_test::waitForWindow(L"Direct sound device information"))
+            dsty_test::pressButton(dialog, IDOK);
+    });
+    const int opened = device.selectSoundCards();
+    user.join();
+    EXPECT_EQ(1, opened);
+    ASSERT_EQ(1, tap.count("DirectSoundCreate8"));
+    EXPECT_EQ(0u, tap.callsTo("DirectSoundCreate8")[0].args[0]);
 }
 
 // --- enumeration ---
@@ -150,11 +183,8 @@ class EnumerationTest : public DeviceTest
 
 TEST_F(EnumerationTest, DefaultDeviceHasAZeroGuidAndIsMarkedPrimary)
 {
-    fake.clearPlaybackDevices();
-    fake.clearCaptureDevices();
-    fake.addPlaybackDevice(nullptr, "Primary Sound Driver", "");
     GUID card = {0x11223344, 0x5566, 0x7788, {1, 2, 3, 4, 5, 6, 7, 8}};
-    fake.addPlaybackDevice(&card, "Null Output", "stim");
+    tap.setPlaybackDevices({{false, GUID_NULL, "Primary Sound Driver", ""}, {true, card, "Null Output", "stim"}});
 
     CEnumerateDirectSndDevice enumerator;
     CDSndDeviceInfoty* pInfo = enumerator.getDSndDeviceInfo();
@@ -172,14 +202,14 @@ TEST_F(EnumerationTest, DefaultDeviceHasAZeroGuidAndIsMarkedPrimary)
 
 TEST_F(EnumerationTest, EmptyOrFailedEnumerationsGiveNoList)
 {
-    fake.clearPlaybackDevices();
-    fake.clearCaptureDevices();
+    tap.setPlaybackDevices({});
+    tap.setCaptureDevices({});
     CEnumerateDirectSndDevice enumerator;
     EXPECT_EQ(nullptr, enumerator.getDSndDeviceInfo());
     EXPECT_EQ(0, enumerator.getDSndDeviceNumber());
     EXPECT_EQ(nullptr, enumerator.getDSndDeviceCaptureInfo());
 
-    fake.failAlways("DirectSoundCaptureEnumerateA", DSERR_NODRIVER);
+    tap.failAlways("DirectSoundCaptureEnumerateA", DSERR_NODRIVER);
     EXPECT_EQ(-1, enumerator.getDSndDeviceCaptureNumber());
 
     TestDevice device;
@@ -189,13 +219,10 @@ TEST_F(EnumerationTest, EmptyOrFailedEnumerationsGiveNoList)
 
 TEST_F(EnumerationTest, StoresNoMoreThanTheListHolds)
 {
-    fake.clearPlaybackDevices();
-    fake.clearCaptureDevices();
+    std::vector<dstap::DeviceEntry> cards;
     for (int i = 0; i < 95; i++)
-    {
-        GUID guid = {static_cast<unsigned long>(i + 1), 0, 0, {0}};
-        fake.addPlaybackDevice(&guid, "card " + std::to_string(i), "module");
-    }
+        cards.push_back({true, GUID{static_cast<unsigned long>(i + 1), 0, 0, {0}}, "card " + std::to_string(i), "module"});
+    tap.setPlaybackDevices(cards);
     CEnumerateDirectSndDevice enumerator;
     CDSndDeviceInfoty* pInfo = enumerator.getDSndDeviceInfo();
     ASSERT_NE(nullptr, pInfo);

@@ -16,6 +16,7 @@ public:
     using CDirectSndBasicty::traceHR;
     using CDirectSndBasicty::m_hr;
     using CDirectSndDevice::createDSndObject;
+    using CDirectSndDevice::selectSoundCards;
     using CDirectSndDevice::getDSCAPS;
     using CDirectSndDevice::getDSCAPSPro;
     using CDirectSndDevice::get2ndChannels;

@@ -13,15 +13,15 @@ protected:
 TEST_F(StimSetUpTest, WithoutAWindowNoLevelIsSetAndHeadphonesDecide)
 {
     ASSERT_EQ(1, device.initDSndStimX(NULL, NULL, DSSCL_EXCLUSIVE));
-    EXPECT_EQ(0, fake.count("IDirectSound8::SetCooperativeLevel"));
-    EXPECT_EQ(0, fake.count("IDirectSound8::Compact"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::SetCooperativeLevel"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::Compact"));
     EXPECT_EQ(static_cast<DWORD>(DSSCL_NORMAL), device.m_dwCoopLevel);
-    auto sets = fake.callsTo("IDirectSound8::SetSpeakerConfig");
+    auto sets = tap.callsTo("IDirectSound8::SetSpeakerConfig");
     ASSERT_EQ(1u, sets.size());
     EXPECT_EQ(static_cast<std::uintptr_t>(DSSPEAKER_HEADPHONE), sets[0].args[0]);
 
     TestDevice second;
-    fake.failAlways("IDirectSound8::SetSpeakerConfig", DSERR_GENERIC);
+    tap.failAlways("IDirectSound8::SetSpeakerConfig", DSERR_GENERIC);
     EXPECT_EQ(0, second.initDSndStimX(NULL, NULL, DSSCL_EXCLUSIVE));
     EXPECT_TRUE(messages.saw(L"Set speaker configuration error"));
 }
@@ -30,9 +30,9 @@ TEST_F(StimSetUpTest, ExclusiveLevelCompactsTheDevice)
 {
     ASSERT_EQ(1, device.initDSndStimX(kWindow, NULL, DSSCL_EXCLUSIVE));
     EXPECT_EQ(static_cast<DWORD>(DSSCL_EXCLUSIVE), device.m_dwCoopLevel);
-    EXPECT_EQ(1, fake.count("IDirectSound8::Compact"));
+    EXPECT_EQ(1, tap.count("IDirectSound8::Compact"));
     EXPECT_EQ(static_cast<std::uintptr_t>(DSSCL_NORMAL),
-              fake.callsTo("IDirectSound8::SetCooperativeLevel")[0].args[1]);
+              tap.callsTo("IDirectSound8::SetCooperativeLevel")[0].args[1]);
 }
 
 TEST_F(StimSetUpTest, FormatWithoutPrimaryBufferEndsTheSetUp)
@@ -40,20 +40,20 @@ TEST_F(StimSetUpTest, FormatWithoutPrimaryBufferEndsTheSetUp)
     tWAVEFORMATEX wfx = pcmFormat(2, 44100, 16);
     EXPECT_EQ(0, device.initDSndStimX(kWindow, &wfx, DSSCL_PRIORITY));
     EXPECT_EQ((std::vector<std::wstring>{L"Primary sound buffer is not initialized"}), messages.texts());
-    EXPECT_EQ(0, fake.count("IDirectSound8::SetSpeakerConfig"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::SetSpeakerConfig"));
     EXPECT_NE(nullptr, device.getDirectSnd()); // what was opened stays open
 }
 
 TEST_F(StimSetUpTest, FailuresStopAtTheFirstRequiredStep)
 {
-    fake.failAlways("DirectSoundCreate8", DSERR_NODRIVER);
+    tap.failAlways("DirectSoundCreate8", DSERR_NODRIVER);
     EXPECT_EQ(0, device.initDSndStimX(kWindow, NULL, DSSCL_EXCLUSIVE));
-    EXPECT_EQ(0, fake.count("IDirectSound8::SetCooperativeLevel"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::SetCooperativeLevel"));
 
-    fake.clearScript();
-    fake.failAlways("IDirectSound8::SetCooperativeLevel", DSERR_INVALIDPARAM);
+    tap.clearScript();
+    tap.failAlways("IDirectSound8::SetCooperativeLevel", DSERR_INVALIDPARAM);
     EXPECT_EQ(0, device.initDSndStimX(kWindow, NULL, DSSCL_EXCLUSIVE));
-    EXPECT_EQ(0, fake.count("IDirectSound8::SetSpeakerConfig"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::SetSpeakerConfig"));
 }
 
 TEST_F(StimSetUpTest, CompactsOnlyAtExactlyExclusive)
@@ -65,10 +65,10 @@ TEST_F(StimSetUpTest, CompactsOnlyAtExactlyExclusive)
         device.m_dwCoopLevel = level;
         EXPECT_EQ(0, device.compactDSmem()) << level;
     }
-    EXPECT_EQ(0, fake.count("IDirectSound8::Compact"));
+    EXPECT_EQ(0, tap.count("IDirectSound8::Compact"));
     device.m_dwCoopLevel = DSSCL_EXCLUSIVE;
     EXPECT_EQ(1, device.compactDSmem());
-    fake.failAlways("IDirectSound8::Compact", DSERR_PRIOLEVELNEEDED);
+    tap.failAlways("IDirectSound8::Compact", DSERR_PRIOLEVELNEEDED);
     EXPECT_EQ(0, device.compactDSmem());
 }
 
@@ -87,6 +87,6 @@ TEST_F(StimSetUpTest, ReleaseTouchesOnlyItsOwnDevice)
     EXPECT_EQ(nullptr, device.getDirectSnd());
     EXPECT_EQ(nullptr, device.m_pDSBufferPrimary);
     EXPECT_EQ(static_cast<DWORD>(DSSCL_PRIORITY), device.m_dwCoopLevel);
-    EXPECT_EQ(0, fake.liveObjects()) << fake.leakReport();
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
 }
 }
