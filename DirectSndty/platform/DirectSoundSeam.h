@@ -1,7 +1,8 @@
 #pragma once
 // The library's one route to DirectSound's entry functions and the millisecond clock.
-// The DLL binds these to the system (DirectSoundSeam.cpp); a test build binds them to a
-// simulated device instead. Interfaces obtained through them are used directly.
+// The DLL binds these to the system (DirectSoundSeam.cpp); the unit tests bind them to a
+// tap that logs and scripts every call on its way to the system. Interfaces obtained
+// through them are used directly.
 
 #include <windows.h>
 #include <mmsystem.h>
