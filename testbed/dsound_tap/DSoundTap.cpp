@@ -261,9 +261,4 @@ int DSoundTap::openNotificationHandles() const
     return state_->openEvents();
 }
 
-DWORD DSoundTap::processHandleCount()
-{
-    return NotifyHandles::processHandleCount();
-}
-
 } // namespace dstap

@@ -110,8 +110,6 @@ public:
     int deadObjectCalls() const;
     // Events given to SetNotificationPositions that the library has not closed yet.
     int openNotificationHandles() const;
-    // The process's open handles, leaving out the tap's own, for before/after comparisons.
-    static DWORD processHandleCount();
 
 private:
     std::shared_ptr<TapState> state_;

@@ -1,8 +1,5 @@
 #include "NotifyHandles.h"
 
-#include <winternl.h>
-
-#include <atomic>
 #include <vector>
 
 namespace dstap
@@ -10,8 +7,6 @@ namespace dstap
 
 namespace
 {
-
-std::atomic<LONG> g_witnesses{0};
 
 using CompareHandlesFn = BOOL(WINAPI*)(HANDLE, HANDLE);
 
@@ -40,51 +35,7 @@ HANDLE duplicate(HANDLE event)
     const HANDLE self = GetCurrentProcess();
     if (!DuplicateHandle(self, event, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS))
         return nullptr;
-    ++g_witnesses;
     return copy;
-}
-
-// SystemHandleInformation: one entry per handle open in the system.
-constexpr ULONG kSystemHandleInformation = 16;
-constexpr NTSTATUS kInfoLengthMismatch = static_cast<NTSTATUS>(0xC0000004L);
-
-struct SystemHandleEntry
-{
-    ULONG ownerPid;
-    BYTE objectType;
-    BYTE flags;
-    USHORT value;
-    PVOID object;
-    ACCESS_MASK access;
-};
-
-struct SystemHandleTable
-{
-    ULONG count;
-    SystemHandleEntry entries[1];
-};
-
-using QuerySystemFn = NTSTATUS(NTAPI*)(ULONG, PVOID, ULONG, PULONG);
-
-DWORD countInSystemTable()
-{
-    const auto query = reinterpret_cast<QuerySystemFn>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    if (!query)
-        return 0;
-    std::vector<BYTE> table(1 << 16);
-    NTSTATUS status;
-    while ((status = query(kSystemHandleInformation, table.data(), static_cast<ULONG>(table.size()),
-                           nullptr)) == kInfoLengthMismatch)
-        table.resize(table.size() * 2);
-    if (status != 0)
-        return 0;
-    const auto* handles = reinterpret_cast<const SystemHandleTable*>(table.data());
-    const ULONG self = GetCurrentProcessId();
-    DWORD count = 0;
-    for (ULONG i = 0; i < handles->count; ++i)
-        count += handles->entries[i].ownerPid == self ? 1 : 0;
-    return count;
 }
 
 } // namespace
@@ -117,14 +68,6 @@ void NotifyHandles::closeWitnesses()
         forget(tracked);
 }
 
-DWORD NotifyHandles::processHandleCount()
-{
-    DWORD count = 0;
-    if (!GetProcessHandleCount(GetCurrentProcess(), &count) || count == 0)
-        count = countInSystemTable();
-    return count - static_cast<DWORD>(g_witnesses.load());
-}
-
 bool NotifyHandles::stillOpen(Tracked& tracked) const
 {
     if (!tracked.witness)
@@ -143,7 +86,6 @@ void NotifyHandles::forget(Tracked& tracked) const
         return;
     CloseHandle(tracked.witness);
     tracked.witness = nullptr;
-    --g_witnesses;
 }
 
 } // namespace dstap

@@ -29,10 +29,6 @@ public:
     int open() const;
     void closeWitnesses();
 
-    // Open handles of this process, leaving out the witnesses. GetProcessHandleCount where it
-    // works; Wine answers it with 0, so there the system's handle table is counted instead.
-    static DWORD processHandleCount();
-
 private:
     struct Tracked
     {

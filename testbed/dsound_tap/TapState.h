@@ -50,9 +50,6 @@ public:
         return hr;
     }
 
-    Decision begin(const std::string& method, const void* object, std::vector<std::uintptr_t> args,
-                   std::vector<BYTE> data = {});
-    void finish(size_t index, HRESULT result);
     void logCount(const std::string& method, const void* object, ULONG count); // AddRef/Release
     void fault(const std::string& text);
 
@@ -87,6 +84,10 @@ public:
     std::vector<std::string> faults() const;
 
 private:
+    Decision begin(const std::string& method, const void* object, std::vector<std::uintptr_t> args,
+                   std::vector<BYTE> data);
+    void finish(size_t index, HRESULT result);
+
     mutable std::mutex mutex_;
     std::vector<Call> log_;
     size_t logBase_ = 0; // calls dropped by clearLog, so that begin's indexes stay valid
