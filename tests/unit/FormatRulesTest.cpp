@@ -1,5 +1,7 @@
 #include "DeviceTestSupport.h"
 
+#include <functional>
+
 namespace
 {
 class FormatRulesTest : public DeviceTest
@@ -8,42 +10,38 @@ protected:
     TestDevice device;
 };
 
-TEST_F(FormatRulesTest, AcceptsPcmAcrossTheRateBandAndNoFurther)
+TEST_F(FormatRulesTest, AcceptsPcmInTheRateBandWithMatchingAlignmentOnly)
 {
-    tWAVEFORMATEX wfx = pcmFormat(2, 44100, 16);
-    EXPECT_EQ(1, device.isSupportWfx(wfx));
-    wfx.nSamplesPerSec = 44101;
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-    wfx.nSamplesPerSec = 11024;
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-    wfx.nSamplesPerSec = 11025;
-    EXPECT_EQ(1, device.isSupportWfx(wfx));
-    wfx.nSamplesPerSec = 0; // wraps round in the unsigned band test
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-}
-
-TEST_F(FormatRulesTest, RefusesWhatItCannotPlayButIgnoresBitsAndByteRate)
-{
-    tWAVEFORMATEX wfx = pcmFormat(2, 22050, 16);
-    wfx.nChannels = 3;
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-    for (WORD align : {0, 5})
+    struct Case
     {
-        wfx = pcmFormat(2, 22050, 16);
-        wfx.nBlockAlign = align;
-        EXPECT_EQ(0, device.isSupportWfx(wfx)) << align;
+        const char* what;
+        std::function<void(tWAVEFORMATEX&)> change;
+        int supported;
+    };
+    const Case cases[] = {
+        {"as made", [](tWAVEFORMATEX&) {}, 1},
+        {"44100", [](tWAVEFORMATEX& w) { w.nSamplesPerSec = 44100; }, 1},
+        {"44101", [](tWAVEFORMATEX& w) { w.nSamplesPerSec = 44101; }, 0},
+        {"11025", [](tWAVEFORMATEX& w) { w.nSamplesPerSec = 11025; }, 1},
+        {"11024", [](tWAVEFORMATEX& w) { w.nSamplesPerSec = 11024; }, 0},
+        {"rate 0 wraps in the unsigned band test", [](tWAVEFORMATEX& w) { w.nSamplesPerSec = 0; }, 0},
+        {"3 channels", [](tWAVEFORMATEX& w) { w.nChannels = 3; }, 0},
+        {"alignment 0", [](tWAVEFORMATEX& w) { w.nBlockAlign = 0; }, 0},
+        {"alignment 5", [](tWAVEFORMATEX& w) { w.nBlockAlign = 5; }, 0},
+        {"extra bytes", [](tWAVEFORMATEX& w) { w.cbSize = 22; }, 0},
+        {"float", [](tWAVEFORMATEX& w) { w.wFormatTag = WAVE_FORMAT_IEEE_FLOAT; }, 0},
+        {"bits and byte rate are not looked at",
+         [](tWAVEFORMATEX& w) {
+             w.wBitsPerSample = 24;
+             w.nAvgBytesPerSec = 1;
+         },
+         1},
+    };
+    for (const Case& c : cases) {
+        tWAVEFORMATEX wfx = pcmFormat(2, 22050, 16);
+        c.change(wfx);
+        EXPECT_EQ(c.supported, device.isSupportWfx(wfx)) << c.what;
     }
-    wfx = pcmFormat(2, 22050, 16);
-    wfx.cbSize = 22;
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-    wfx = pcmFormat(2, 22050, 16);
-    wfx.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
-    EXPECT_EQ(0, device.isSupportWfx(wfx));
-
-    wfx = pcmFormat(1, 22050, 16);
-    wfx.wBitsPerSample = 24;
-    wfx.nAvgBytesPerSec = 1;
-    EXPECT_EQ(1, device.isSupportWfx(wfx));
 }
 
 TEST_F(FormatRulesTest, ComparesAllSevenFields)
@@ -60,11 +58,9 @@ TEST_F(FormatRulesTest, ComparesAllSevenFields)
 
 TEST_F(FormatRulesTest, OnlyExactSuccessPassesTheResultTest)
 {
-    device.m_hr = S_OK;
-    EXPECT_EQ(1, device.traceHR());
-    device.m_hr = S_FALSE;
-    EXPECT_EQ(0, device.traceHR());
-    device.m_hr = DSERR_GENERIC;
-    EXPECT_EQ(0, device.traceHR());
+    for (HRESULT hr : {S_OK, S_FALSE, DSERR_GENERIC}) {
+        device.m_hr = hr;
+        EXPECT_EQ(hr == S_OK ? 1 : 0, device.traceHR()) << hr;
+    }
 }
 }
