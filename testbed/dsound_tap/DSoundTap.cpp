@@ -76,7 +76,7 @@ void DSoundTap::failNth(const std::string& method, int nth, HRESULT hr)
 
 void DSoundTap::failNext(const std::string& method, HRESULT hr)
 {
-    failNth(method, count(method) + 1, hr);
+    failNth(method, state_->seen(method) + 1, hr);
 }
 
 void DSoundTap::answer(const std::string& method, Answer answer)

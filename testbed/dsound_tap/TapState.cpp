@@ -68,6 +68,13 @@ void TapState::script(const std::string& method, std::optional<int> nth, HRESULT
         always_[method] = result;
 }
 
+int TapState::seen(const std::string& method) const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = seen_.find(method);
+    return found == seen_.end() ? 0 : found->second;
+}
+
 void TapState::answer(const std::string& method, Answer answer)
 {
     std::lock_guard<std::mutex> lock(mutex_);

@@ -54,6 +54,7 @@ public:
     void fault(const std::string& text);
 
     void script(const std::string& method, std::optional<int> nth, HRESULT result);
+    int seen(const std::string& method) const; // calls made since the tap started, logged or not
     void answer(const std::string& method, Answer answer);
     void clearScript();
     void clearLog();

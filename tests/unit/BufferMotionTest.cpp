@@ -4,31 +4,33 @@
 
 namespace
 {
+const DWORD kWait = 5000; // generous: the motion thread runs on its own
+
 class BufferMotionTest : public BufferTest
 {
 protected:
     void SetUp() override
     {
         BufferTest::SetUp();
-        fake.setClock(10000);
-        // One second of 16-bit mono at 22050 Hz.
-        data = rampData(pcmFormat(1, 22050, 16), 44100);
+        tap.setClock(10000);
+        data = rampData(pcmFormat(1, 22050, 16), 44100); // one second
         ASSERT_EQ(1, buffer.setSndData2DS3Dbuff2(data.get(), &device));
         messages.clear();
     }
-
-    // The motion thread runs on its own; wait until it has committed what we expect.
+    // The motion thread runs on its own: wait until it has set the source where expected.
     bool waitForSourceAt(float x)
     {
-        for (int i = 0; i < 500; i++)
+        for (DWORD waited = 0; waited < kWait; waited += 2)
         {
-            auto sets = fake.buffer3DSets();
+            auto sets = tap.buffer3DSets();
             if (!sets.empty() && sets.back().parameters.vPosition.x == x)
                 return true;
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         return false;
     }
+    // A motion that ends by itself (time up, or a failure) finishes its thread.
+    bool motionEnds() { return WaitForSingleObject(buffer.m_pMoveThread->m_hThread, kWait) == WAIT_OBJECT_0; }
 
     std::unique_ptr<CSndDatatyx> data;
     TestBuffer buffer;
@@ -45,36 +47,30 @@ TEST_F(BufferMotionTest, MovingMeansAPositiveSumOfAllVelocities)
     EXPECT_EQ(0, buffer.isMovingSound());
 }
 
-TEST_F(BufferMotionTest, StaticStartAppliesTheWorkingRecordsDeferredAndPlays)
+TEST_F(BufferMotionTest, StaticStartAppliesTheWorkingRecordsDeferredAndPlaysReportingSetFailuresOnly)
 {
     buffer.m_ds3dBuffer.vPosition = {2, 0, 0};
+    tap.clearLog();
+    tap.failNext("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC); // not reported
     ASSERT_EQ(1, buffer.sendAudStim3DSndStatic());
-    EXPECT_EQ(1, buffer.m_nPlaying);
-    auto sets = fake.buffer3DSets();
-    ASSERT_FALSE(sets.empty());
-    EXPECT_EQ(static_cast<DWORD>(DS3D_DEFERRED), sets.back().apply);
-    EXPECT_EQ(1, fake.count("IDirectSound3DListener::CommitDeferredSettings"));
-    EXPECT_EQ(2, fake.count("IDirectSoundBuffer::Play"));
-    EXPECT_FLOAT_EQ(2.0f, fake.parameters3D(buffer.m_pDS3DBuffer, fakeds::Stage::Applied).vPosition.x);
-}
-
-TEST_F(BufferMotionTest, StaticStartReportsSetFailuresButNotACommitFailure)
-{
-    fake.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
-    EXPECT_EQ(1, buffer.sendAudStim3DSndStatic());
+    EXPECT_EQ((std::vector<std::string>{"SetAllParameters(1)", "SetAllParameters(1)", "CommitDeferredSettings",
+                                        "SetCurrentPosition(0)", "Play(0)", "Play(0)"}),
+              sequence(tap, {"IDirectSound3DBuffer::SetAllParameters", "IDirectSound3DListener::SetAllParameters",
+                             "IDirectSound3DListener::CommitDeferredSettings",
+                             "IDirectSoundBuffer::SetCurrentPosition", "IDirectSoundBuffer::Play"}));
+    EXPECT_FLOAT_EQ(2.0f, tap.buffer3DSets().back().parameters.vPosition.x);
     EXPECT_TRUE(messages.texts().empty());
 
-    fake.failAlways("IDirectSound3DBuffer::SetAllParameters", DSERR_GENERIC);
+    tap.failNext("IDirectSound3DBuffer::SetAllParameters", DSERR_GENERIC);
     EXPECT_EQ(0, buffer.sendAudStim3DSndStatic());
-    fake.clearScript();
-    fake.failAlways("IDirectSound3DListener::SetAllParameters", DSERR_GENERIC);
+    tap.failNext("IDirectSound3DListener::SetAllParameters", DSERR_GENERIC);
     EXPECT_EQ(0, buffer.sendAudStim3DSndStatic());
     EXPECT_EQ((std::vector<std::wstring>{L"Direct sound buffer 3D set all parameters error",
                                          L"Direct sound 3D listener set all parameters error"}),
               messages.texts());
 }
 
-TEST_F(BufferMotionTest, PositionsFollowElapsedTimeUntilThePlayLengthHasPassed)
+TEST_F(BufferMotionTest, PositionsFollowTheClockUntilThePlayLengthHasPassed)
 {
     buffer.m_ds3dBuffer.vPosition = {0, 0, 0};
     buffer.m_ds3dBuffer.vVelocity = {2, 0, 0};
@@ -82,23 +78,20 @@ TEST_F(BufferMotionTest, PositionsFollowElapsedTimeUntilThePlayLengthHasPassed)
     buffer.m_ds3dListener.vVelocity = {0, 0, -4};
     ASSERT_EQ(1, buffer.sendAudioStimDS3D());
     EXPECT_FLOAT_EQ(1000.0f, buffer.m_fPlayLength);
-    EXPECT_FLOAT_EQ(10000.0f, buffer.m_moveStartTime);
 
-    fake.advanceClock(500);
+    tap.advanceClock(500);
     ASSERT_TRUE(waitForSourceAt(1.0f));
-    DS3DLISTENER listener = fake.listenerParameters(fakeds::Stage::Applied);
+    DS3DLISTENER listener = {};
+    const std::vector<BYTE> set = tap.callsTo("IDirectSound3DListener::SetAllParameters").back().data;
+    memcpy(&listener, set.data(), std::min(set.size(), sizeof(listener)));
     EXPECT_FLOAT_EQ(1.0f, listener.vPosition.y);
     EXPECT_FLOAT_EQ(-2.0f, listener.vPosition.z);
-    // The working records stay where the motion began.
-    EXPECT_FLOAT_EQ(0.0f, buffer.m_ds3dBuffer.vPosition.x);
+    EXPECT_FLOAT_EQ(0.0f, buffer.m_ds3dBuffer.vPosition.x); // the working records stay where the motion began
 
-    fake.advanceClock(501);
-    for (int i = 0; i < 500 && buffer.m_fElapsedTime < 1001.0f; i++)
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    EXPECT_FLOAT_EQ(1001.0f, buffer.m_fElapsedTime);
-    const int setsAtEnd = fake.count("IDirectSound3DBuffer::SetAllParameters");
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_EQ(setsAtEnd, fake.count("IDirectSound3DBuffer::SetAllParameters")); // motion has ended
+    tap.advanceClock(500);
+    ASSERT_TRUE(waitForSourceAt(2.0f)); // the last step still inside the play length
+    tap.advanceClock(1);
+    EXPECT_TRUE(motionEnds());
 }
 
 TEST_F(BufferMotionTest, StoppingRestartingOrDestroyingEndsTheMotion)
@@ -107,28 +100,22 @@ TEST_F(BufferMotionTest, StoppingRestartingOrDestroyingEndsTheMotion)
     ASSERT_EQ(1, buffer.sendAudioStimMovingSnd());
     ASSERT_EQ(1, buffer.sendAudioStimMovingSnd()); // the first motion is joined first
     ASSERT_EQ(1, buffer.stopAudioStimDS3D());
-    EXPECT_EQ(0, buffer.m_nPlaying);
-    const int sets = fake.count("IDirectSound3DBuffer::SetAllParameters");
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_EQ(sets, fake.count("IDirectSound3DBuffer::SetAllParameters"));
+    EXPECT_EQ(nullptr, buffer.m_pMoveThread); // joined
 
-    auto other = rampData(pcmFormat(1, 22050, 16), 44100);
     auto moving = std::make_unique<TestBuffer>();
-    ASSERT_EQ(1, moving->setSndData2DS3Dbuff2(other.get(), &device));
+    ASSERT_EQ(1, moving->setSndData2DS3Dbuff2(data.get(), &device));
     moving->m_ds3dBuffer.vVelocity = {1, 0, 0};
     ASSERT_EQ(1, moving->sendAudioStimDS3D());
     moving.reset(); // with the clock standing still the motion would never end by itself
-    EXPECT_EQ(0, fake.deadObjectCalls());
+    EXPECT_EQ(0, tap.deadObjectCalls());
 }
 
 TEST_F(BufferMotionTest, MotionFailureEndsTheMotionWithItsMessage)
 {
     buffer.m_ds3dBuffer.vVelocity = {1, 0, 0};
     ASSERT_EQ(1, buffer.sendAudioStimMovingSnd());
-    fake.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
-    fake.advanceClock(10);
-    for (int i = 0; i < 500 && messages.texts().empty(); i++)
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    tap.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
+    ASSERT_TRUE(motionEnds());
     EXPECT_EQ((std::vector<std::wstring>{L"Direct sound listener 3D set all parameters error"}), messages.texts());
 }
 }

@@ -1,8 +1,10 @@
 #pragma once
-// What the sound-buffer tests share: a buffer whose protected parts are reachable, an open
-// device on the simulated DirectSound, and containers of generated PCM.
+// What the sound-buffer, capture and facade tests share: a buffer whose protected parts are
+// reachable, an open device on the tapped DirectSound, containers of generated PCM, the order
+// of the calls that start a buffer, and capture data the test writes itself.
 
 #include "DeviceTestSupport.h"
+#include <initializer_list>
 #include <memory>
 
 class TestBuffer : public CDirectSnd3DBuffty
@@ -15,9 +17,7 @@ public:
     using CDirectSnd2DBuff::m_wfx;
     using CDirectSnd2DBuff::m_pDSndDevice;
     using CDirectSnd3DBuff::m_fPlayLength;
-    using CDirectSnd3DBuff::m_fElapsedTime;
-    using CDirectSnd3DBuff::m_nPlaying;
-    using CDirectSnd3DBuff2Motion::m_moveStartTime;
+    using CDirectSnd3DBuff2Motion::m_pMoveThread;
     using CDirectSnd3DBuff5Notify::quaryNotify;
     using CDirectSnd3DBuff5Notify::initNotifyEvt;
     using CDirectSnd3DBuff5Notify::initStopEvt;
@@ -26,14 +26,32 @@ public:
     using CDirectSndBasicty::m_hr;
 };
 
-// A container holding `bytes` bytes of a ramp in the given format.
+// A container holding `bytes` bytes of a ramp (byte i is i * 7 + 1) in the given format.
 std::unique_ptr<CSndDatatyx> rampData(tWAVEFORMATEX wfx, unsigned long bytes);
 
+// The calls to the given methods in order, as "Method(last argument)", or "Method" without one.
+std::vector<std::string> sequence(const dstap::DSoundTap& tap, std::initializer_list<const char*> methods);
+
+// Capture as the test writes it: the capture buffer's cursors, status, Lock and Unlock are
+// answered over a ring of test memory, so a read across the ring's end comes in two regions.
+// Byte i of the recording is pattern(i).
+struct CaptureRing
+{
+    std::vector<BYTE> memory;
+    size_t written = 0;
+    int openLocks = 0;
+    BYTE (*pattern)(size_t) = nullptr;
+
+    void advance(size_t bytes); // the capture cursor moves on, writing the pattern
+};
+std::shared_ptr<CaptureRing> scriptCapture(dstap::DSoundTap& tap, size_t ringBytes, BYTE (*pattern)(size_t));
+
+// Buffers must be released before their device (the platform frees a device's buffers with
+// it), so a fixture's buffers are declared after the device and the device goes last.
 class BufferTest : public DeviceTest
 {
 protected:
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override { openDevice(device); }
 
     TestDevice device;
 };

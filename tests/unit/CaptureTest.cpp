@@ -1,16 +1,11 @@
-#include "DeviceTestSupport.h"
-#include <memory>
+#include "BufferTestSupport.h"
 
 namespace
 {
 class TestCapture : public CDSndCapturetyx
 {
 public:
-    using CDSndCapturety::createDSndCaptureObject;
     using CDSndCapturety::isDSCsupport2c4kh16b;
-    using CDSndCapturety1Buff::m_dscbd;
-    using CDSndCapturety1Buff::m_pDSCBuffer;
-    using CDSndCapturety1Buff::m_wfxCurrent;
     using CDSndCapturety2BuffNotify::m_posNotify;
     using CDSndCapturety3Record::m_ulReadPosition;
 };
@@ -20,180 +15,152 @@ BYTE counting(size_t index)
     return static_cast<BYTE>(index * 3 + 1);
 }
 
+// Every set-up is made on a fresh object: a second set-up on one object lets the capture
+// device go before the buffer made of it, which Wine does not survive.
 class CaptureTest : public DeviceTest
 {
 protected:
-    void SetUp() override { fake.setCaptureLead(0); }
-
     // Capture objects carry a large notification table, so they live on the heap.
     std::unique_ptr<TestCapture> makeCapture() { return std::make_unique<TestCapture>(); }
-
-    tWAVEFORMATEX defaultOf(DWORD formats, DWORD channels)
+    void offer(DWORD formats, DWORD channels)
     {
-        fake.captureCaps().dwFormats = formats;
-        fake.captureCaps().dwChannels = channels;
-        auto capture = makeCapture();
-        tWAVEFORMATEX wfx = {};
-        capture->getDefaultWFX(&wfx);
-        return wfx;
+        tap.answerWith("IDirectSoundCapture::GetCaps", 0, DSCCAPS{sizeof(DSCCAPS), 0, formats, channels});
     }
+    const tWAVEFORMATEX cd = pcmFormat(2, 44100, 16);
 };
 
-TEST_F(CaptureTest, DefaultFormatIsTheBestTheDeviceOffers)
+TEST_F(CaptureTest, DefaultFormatIsTheBestTheDeviceOffersAndRecordingNeedsTheBest)
 {
-    tWAVEFORMATEX wfx = defaultOf(WAVE_FORMAT_4S16 | WAVE_FORMAT_2S16 | WAVE_FORMAT_1M08, 2);
-    EXPECT_TRUE(sameFormat(pcmFormat(2, 44100, 16), wfx));
-    wfx = defaultOf(WAVE_FORMAT_2S16 | WAVE_FORMAT_1S16, 2);
-    EXPECT_TRUE(sameFormat(pcmFormat(2, 22050, 16), wfx));
-    wfx = defaultOf(WAVE_FORMAT_1S16, 2);
-    EXPECT_TRUE(sameFormat(pcmFormat(2, 11025, 16), wfx));
-    wfx = defaultOf(WAVE_FORMAT_1M08, 2);
-    EXPECT_TRUE(sameFormat(pcmFormat(1, 11025, 8), wfx));
-    // Sixteen-bit rows keep the device's channel count.
-    wfx = defaultOf(WAVE_FORMAT_4S16, 1);
-    EXPECT_TRUE(sameFormat(pcmFormat(1, 44100, 16), wfx));
+    const struct { DWORD formats, channels; tWAVEFORMATEX expected; } rows[] = {
+        {WAVE_FORMAT_4S16 | WAVE_FORMAT_2S16 | WAVE_FORMAT_1M08, 2, pcmFormat(2, 44100, 16)},
+        {WAVE_FORMAT_2S16 | WAVE_FORMAT_1S16, 2, pcmFormat(2, 22050, 16)},
+        {WAVE_FORMAT_1S16, 2, pcmFormat(2, 11025, 16)},
+        {WAVE_FORMAT_1M08, 2, pcmFormat(1, 11025, 8)},
+        {WAVE_FORMAT_4S16, 1, pcmFormat(1, 44100, 16)}, // sixteen-bit rows keep the device's channels
+    };
+    auto holder = makeCapture();
+    for (const auto& row : rows)
+    {
+        offer(row.formats, row.channels);
+        tWAVEFORMATEX wfx = {};
+        ASSERT_EQ(1, makeCapture()->getDefaultWFX(&wfx));
+        EXPECT_TRUE(sameFormat(row.expected, wfx)) << std::hex << row.formats;
+    }
+    EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt); // any instance going away takes the shared device
+    offer(WAVE_FORMAT_96S08, 2); // nothing the library records by default
+    EXPECT_EQ(0, holder->getDefaultWFX(NULL));
 
-    fake.captureCaps().dwFormats = WAVE_FORMAT_96S08; // nothing the library records by default
-    auto capture = makeCapture();
-    EXPECT_EQ(0, capture->getDefaultWFX(NULL));
-}
-
-TEST_F(CaptureTest, RecordingNeedsTwoChannelFortyFourKilohertzWhateverIsAskedFor)
-{
-    fake.captureCaps().dwFormats = WAVE_FORMAT_4S16;
-    fake.captureCaps().dwChannels = 1;
-    auto capture = makeCapture();
-    EXPECT_EQ(0, capture->isDSCsupport2c4kh16b());
-    EXPECT_EQ(0, capture->initDataSizeWfxNonCircle(pcmFormat(1, 11025, 8), 1000));
+    offer(WAVE_FORMAT_4S16, 1); // recording needs two channels at 44.1 kHz, whatever is asked for
+    EXPECT_EQ(0, holder->isDSCsupport2c4kh16b());
+    EXPECT_EQ(0, holder->initDataSizeWfxNonCircle(pcmFormat(1, 11025, 8), 1000));
     EXPECT_EQ((std::vector<std::wstring>{L"This system does not supoort 2c4kh16b"}), messages.texts());
 }
 
-TEST_F(CaptureTest, SetUpsSizeTheBufferByBytesOrSeconds)
+TEST_F(CaptureTest, SetUpsSizeTheBufferByBytesOrSecondsAndRefuseNothing)
 {
-    auto capture = makeCapture();
-    ASSERT_EQ(1, capture->initRecordTimeWfxNonCircle(pcmFormat(2, 44100, 16), 10));
-    auto requests = fake.captureBufferRequests();
-    ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(1764000u, requests[0].desc.dwBufferBytes);
-    EXPECT_EQ(static_cast<DWORD>(DSCBCAPS_WAVEMAPPED), requests[0].desc.dwFlags);
-
-    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 4001));
-    EXPECT_EQ(4000u, fake.captureBufferRequests().back().desc.dwBufferBytes);
-    ASSERT_EQ(1, capture->initDataSizeDefaultWFXNonCircle(4001)); // not rounded, default flags
-    EXPECT_EQ(4001u, fake.captureBufferRequests().back().desc.dwBufferBytes);
-    EXPECT_EQ(0u, fake.captureBufferRequests().back().desc.dwFlags);
-    ASSERT_EQ(1, capture->initRecordTimeDefaultWFXNonCircle(2));
-    EXPECT_EQ(352800u, fake.captureBufferRequests().back().desc.dwBufferBytes);
+    const tWAVEFORMATEX wfx = cd;
+    const struct { int (*setUp)(TestCapture&, const tWAVEFORMATEX&); DWORD bytes, flags; } rows[] = {
+        {[](TestCapture& c, const tWAVEFORMATEX& w) { return c.initRecordTimeWfxNonCircle(w, 10); }, 1764000, DSCBCAPS_WAVEMAPPED},
+        {[](TestCapture& c, const tWAVEFORMATEX& w) { return c.initDataSizeWfxNonCircle(w, 4001); }, 4000, DSCBCAPS_WAVEMAPPED},
+        {[](TestCapture& c, const tWAVEFORMATEX&) { return c.initDataSizeDefaultWFXNonCircle(4001); }, 4001, 0}, // not rounded
+        {[](TestCapture& c, const tWAVEFORMATEX&) { return c.initRecordTimeDefaultWFXNonCircle(2); }, 352800, 0},
+    };
+    for (const auto& row : rows)
+    {
+        ASSERT_EQ(1, row.setUp(*makeCapture(), wfx)) << row.bytes;
+        EXPECT_EQ(row.bytes, tap.captureBufferRequests().back().desc.dwBufferBytes);
+        EXPECT_EQ(row.flags, tap.captureBufferRequests().back().desc.dwFlags) << row.bytes;
+    }
     EXPECT_TRUE(messages.texts().empty());
-}
 
-TEST_F(CaptureTest, BadSizesAndTimesAreRefusedBeforeAnythingIsMade)
-{
     auto capture = makeCapture();
-    EXPECT_EQ(0, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 3));
+    const size_t made = tap.captureBufferRequests().size();
+    EXPECT_EQ(0, capture->initDataSizeWfxNonCircle(wfx, 3));
     EXPECT_EQ(0, capture->initDataSizeDefaultWFXNonCircle(0));
     EXPECT_EQ(0, capture->initRecordTimeDefaultWFXNonCircle(0));
-    EXPECT_EQ(0, capture->initRecordTimeWfxNonCircle(pcmFormat(2, 44100, 16), 0));
+    EXPECT_EQ(0, capture->initRecordTimeWfxNonCircle(wfx, 0));
     EXPECT_EQ((std::vector<std::wstring>{L"Error in pass buffer size", L"Error in pass buffer size",
                                          L"Error in passing record time", L"Error in passing record time"}),
               messages.texts());
-    EXPECT_TRUE(fake.captureBufferRequests().empty());
+    EXPECT_EQ(made, tap.captureBufferRequests().size());
 }
 
 TEST_F(CaptureTest, EachFailingStepHasItsOwnMessage)
 {
-    auto capture = makeCapture();
-    fake.failAlways("IDirectSoundCapture::CreateCaptureBuffer", DSERR_BADFORMAT);
-    EXPECT_EQ(0, capture->initDataSizeDefaultWFXNonCircle(4000));
-    EXPECT_EQ(0, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 4000));
-    EXPECT_EQ(0u, capture->m_dscbd.dwBufferBytes);
-    fake.clearScript();
-    fake.failAlways("IDirectSoundCaptureBuffer::QueryInterface", E_NOINTERFACE);
-    EXPECT_EQ(0, capture->initDataSizeDefaultWFXNonCircle(4000));
-    fake.clearScript();
-    fake.failAlways("IDirectSoundNotify::SetNotificationPositions", DSERR_INVALIDPARAM);
-    EXPECT_EQ(0, capture->initDataSizeDefaultWFXNonCircle(4000));
-    fake.clearScript();
-    fake.failAlways("DirectSoundCaptureCreate8", DSERR_NODRIVER);
-    EXPECT_EQ(0, capture->initDataSizeDefaultWFXNonCircle(4000));
-    EXPECT_EQ((std::vector<std::wstring>{L"Make capture buffer error", L"make DSnd catpure error",
-                                         L"Make capture buffer error", L"Init stop event error",
-                                         L"setup record object error"}),
-              messages.texts());
+    const struct { const char* method; HRESULT hr; bool givenFormat; const wchar_t* message; } rows[] = {
+        {"IDirectSoundCapture::CreateCaptureBuffer", DSERR_BADFORMAT, false, L"Make capture buffer error"},
+        {"IDirectSoundCapture::CreateCaptureBuffer", DSERR_BADFORMAT, true, L"make DSnd catpure error"},
+        {"IDirectSoundCaptureBuffer::QueryInterface", E_NOINTERFACE, false, L"Make capture buffer error"},
+        {"DirectSoundCaptureCreate8", DSERR_NODRIVER, false, L"setup record object error"},
+        {"IDirectSoundNotify::SetNotificationPositions", DSERR_INVALIDPARAM, false, L"Init stop event error"},
+    };
+    for (const auto& row : rows)
+    {
+        auto capture = makeCapture(); // its constructor opens the device too
+        messages.clear();
+        tap.failNext(row.method, row.hr);
+        EXPECT_EQ(0, row.givenFormat ? capture->initDataSizeWfxNonCircle(cd, 4000)
+                                     : capture->initDataSizeDefaultWFXNonCircle(4000));
+        EXPECT_EQ((std::vector<std::wstring>{row.message}), messages.texts()) << row.method;
+    }
 }
 
-TEST_F(CaptureTest, CopiesWholeNewBlocksInOrderAndNothingTwice)
+TEST_F(CaptureTest, CopiesWholeNewBlocksInOrderAcrossTheRingsEndAndNothingTwice)
 {
     auto capture = makeCapture();
-    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 8000));
+    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(cd, 8000));
     ASSERT_EQ(1, capture->recordStart());
+    auto ring = scriptCapture(tap, 3000, counting);
     std::vector<BYTE> collected;
     auto collect = [&]() {
         char* pData = nullptr;
         unsigned long ulBytes = 0;
-        int result = capture->copyUnCircleBufferData(pData, &ulBytes);
+        const int result = capture->copyUnCircleBufferData(pData, &ulBytes);
         std::unique_ptr<char[]> owned(pData);
         collected.insert(collected.end(), pData, pData + ulBytes);
         return result == 1 ? ulBytes : 0ul;
     };
-
-    fake.advanceCapture(1002, counting);
+    ring->advance(1002);
     EXPECT_EQ(1000u, collect()); // the half block waits for the next call
     EXPECT_EQ(0u, collect());
     EXPECT_EQ((std::vector<std::wstring>{L"No data for copying"}), messages.texts());
-    fake.advanceCapture(2998, counting);
-    EXPECT_EQ(3000u, collect());
+    ring->advance(2998);
+    EXPECT_EQ(3000u, collect()); // from 1000 to the ring's end at 3000, then from its start
     EXPECT_EQ(4000u, capture->m_ulReadPosition);
+    ASSERT_EQ(4000u, collected.size());
     for (size_t i = 0; i < collected.size(); i++)
         ASSERT_EQ(counting(i), collected[i]) << i;
-    EXPECT_EQ(0, fake.captureInfo(capture->m_pDSCBuffer).openLocks);
+    EXPECT_EQ(0, ring->openLocks);
 }
 
-TEST_F(CaptureTest, StopReleasesEverythingAndLaterCopiesSaySilentlyNothing)
+TEST_F(CaptureTest, PositionTableLeavesOutTheLastPositionAndAFullBufferSignalsStop)
 {
     auto capture = makeCapture();
-    EXPECT_EQ(0, capture->recordStart());
-    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 8000));
-    ASSERT_EQ(1, capture->recordStart());
-    fake.advanceCapture(8000, counting); // fills the buffer: capture ends by itself
+    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(cd, 8000));
+    EXPECT_EQ(0, capture->initDSBNoteEvt(600, 0, cd)); // no spacing: nothing registered
+    ASSERT_EQ(1, capture->initDSBNoteEvt(599, 100, cd));
+    EXPECT_TRUE(tap.notificationSets().back().positions.empty());
+    ASSERT_EQ(1, capture->initDSBNoteEvt(10 * 6 * 100, 100, cd));
+    EXPECT_EQ(6000u, capture->m_posNotify[10].dwOffset);
+    ASSERT_EQ(10u, tap.notificationSets().back().positions.size());
+    EXPECT_EQ(DSBPN_OFFSETSTOP, tap.notificationSets().back().positions[0].dwOffset);
+    EXPECT_EQ(5400u, tap.notificationSets().back().positions[9].dwOffset);
+    ASSERT_EQ(1, capture->initDSBNoteEvt(40000 * 6, 1, cd)); // capped at the table's size
+    EXPECT_EQ(29999u, tap.notificationSets().back().positions.size());
+    EXPECT_EQ(29999, tap.openNotificationHandles());
+
+    ASSERT_EQ(1, capture->recordStart()); // 8000 bytes are 45 ms of sound: capture ends by itself
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(capture->m_posNotify[0].hEventNotify, 5000));
     EXPECT_EQ(1, capture->isStopNotified());
     ASSERT_EQ(1, capture->recordStop());
     EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt);
     char* pData = nullptr;
     unsigned long ulBytes = 7;
-    EXPECT_EQ(0, capture->copyUnCircleBufferData(pData, &ulBytes));
+    EXPECT_EQ(0, capture->copyUnCircleBufferData(pData, &ulBytes)); // silently nothing after the stop
     EXPECT_EQ(0u, ulBytes);
     EXPECT_TRUE(messages.texts().empty());
     capture.reset();
-    EXPECT_EQ(0, fake.liveObjects()) << fake.leakReport();
-}
-
-TEST_F(CaptureTest, PositionTableRegistersTheStopEntryAndAllButTheLastPosition)
-{
-    fake.setStrictNotifyOffsets(false);
-    auto capture = makeCapture();
-    ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(pcmFormat(2, 44100, 16), 4000));
-    tWAVEFORMATEX wfx = pcmFormat(2, 44100, 16);
-    ASSERT_EQ(1, capture->initDSBNoteEvt(10 * 6 * 100, 100, wfx));
-    EXPECT_EQ(6000u, capture->m_posNotify[10].dwOffset);
-    ASSERT_EQ(10u, fake.notificationSets().back().positions.size());
-    EXPECT_EQ(5400u, fake.notificationSets().back().positions[9].dwOffset);
-
-    ASSERT_EQ(1, capture->initDSBNoteEvt(599, 100, wfx));
-    EXPECT_TRUE(fake.notificationSets().back().positions.empty());
-    ASSERT_EQ(1, capture->initDSBNoteEvt(40000 * 6, 1, wfx));
-    EXPECT_EQ(29999u, fake.notificationSets().back().positions.size());
-    EXPECT_EQ(29999u, fake.openNotificationHandles());
-    capture.reset();
-    EXPECT_EQ(0, fake.openNotificationHandles());
-}
-
-TEST_F(CaptureTest, AnyInstanceGoingAwayTakesTheSharedDeviceWithIt)
-{
-    auto recording = makeCapture();
-    ASSERT_EQ(1, recording->initDataSizeDefaultWFXNonCircle(4000));
-    ASSERT_NE(nullptr, CDSndCapturety::m_lpDSndCpt);
-    makeCapture().reset();
-    EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt);
+    EXPECT_EQ(0, tap.openNotificationHandles());
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
 }
 }

@@ -1,4 +1,5 @@
 #include "BufferTestSupport.h"
+#include <algorithm>
 
 namespace
 {
@@ -19,123 +20,94 @@ protected:
     void SetUp() override
     {
         BufferTest::SetUp();
-        fake.setCaptureLead(0);
+        CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
     }
-    void TearDown() override
+    void TearDown() override { CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(NULL); }
+    std::vector<std::string> bufferCalls()
     {
-        CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(NULL);
-        BufferTest::TearDown();
+        return sequence(tap, {"IDirectSoundBuffer::Stop", "IDirectSoundBuffer::SetCurrentPosition",
+                              "IDirectSoundBuffer::Play"});
     }
 
-    unsigned long bytesHeld(TestFacade& facade) { return facade.m_pSndDataty->getDataSize(); }
+    std::unique_ptr<CSndDatatyx> data = rampData(pcmFormat(2, 22050, 16), 4000);
 };
 
-TEST_F(FacadeTest, OwnsOnlyTheContainerItMadeItself)
+TEST_F(FacadeTest, OwnsOnlyTheContainerItMadeAndSharesOneCaptureObject)
 {
     CSndDatatyx hosts;
     {
         TestFacade facade;
         facade.setSndData(&hosts);
-        EXPECT_EQ(0, facade.m_bSndDataOwned);
         ASSERT_EQ(1, facade.recordBegin(NULL, 0));
         EXPECT_EQ(&hosts, facade.m_pSndDataty);
-    } // the host's container outlives the facade
+        EXPECT_EQ(0, facade.m_bSndDataOwned);
+        TestFacade second;
+        EXPECT_EQ(facade.m_pDSndCapturetyx, second.m_pDSndCapturetyx);
+    } // the host's container outlives the facade; any facade going away takes the capture object
+    EXPECT_EQ(nullptr, TestFacade().m_pDSndCapturetyx);
 
     TestFacade facade;
-    ASSERT_EQ(1, facade.recordBegin(NULL, 0));
-    EXPECT_EQ(1, facade.m_bSndDataOwned);
-    facade.setSndData(NULL);
-    EXPECT_EQ(nullptr, facade.m_pSndDataty);
-    ASSERT_EQ(1, facade.recordBegin(NULL, 0));
-    EXPECT_NE(nullptr, facade.m_pSndDataty);
+    ASSERT_EQ(1, facade.recordBegin(NULL, 0)); // a fresh capture object and a container of its own
+    EXPECT_NE(nullptr, facade.m_pDSndCapturetyx);
     EXPECT_EQ(1, facade.m_bSndDataOwned);
 }
 
-TEST_F(FacadeTest, StandardRecordingReservesEightMillionBytesInTheDefaultFormat)
+TEST_F(FacadeTest, RecordingReservesEightMillionBytesAndUpdatesAddUpToWhatStopLeaves)
 {
     TestFacade facade;
     ASSERT_EQ(1, facade.recordBegin(NULL, 0));
-    auto requests = fake.captureBufferRequests();
+    auto requests = tap.captureBufferRequests();
     ASSERT_EQ(1u, requests.size());
     EXPECT_EQ(8000000u, requests[0].desc.dwBufferBytes);
     EXPECT_EQ(0u, requests[0].desc.dwFlags);
     EXPECT_EQ(44100u, requests[0].format.nSamplesPerSec);
-    EXPECT_EQ(1, fake.count("IDirectSoundCaptureBuffer::Start"));
-}
+    EXPECT_EQ(1, tap.count("IDirectSoundCaptureBuffer::Start"));
 
-TEST_F(FacadeTest, UpdatesAddUpToExactlyWhatStopLeaves)
-{
-    TestFacade facade;
-    ASSERT_EQ(1, facade.recordBegin(NULL, 0));
-    EXPECT_EQ(0, facade.recordUpdate());
-    EXPECT_EQ((std::vector<std::wstring>{L"No data for copying"}), messages.texts());
-
-    fake.advanceCapture(4002, counting);
-    ASSERT_EQ(1, facade.recordUpdate());
-    fake.advanceCapture(1398, counting);
-    ASSERT_EQ(1, facade.recordUpdate());
-    fake.advanceCapture(600, counting);
+    auto ring = scriptCapture(tap, 4096, counting);
+    for (size_t bytes : {4002, 1398})
+    {
+        ring->advance(bytes);
+        ASSERT_EQ(1, facade.recordUpdate());
+    }
+    ring->advance(600);
     ASSERT_EQ(1, facade.recordStop()); // takes the last bytes itself
     EXPECT_EQ(1, facade.m_pSndDataty->hasAudioWaveData());
-    ASSERT_EQ(6000u, bytesHeld(facade));
-    const char* pData = facade.m_pSndDataty->getDataPointer();
+    ASSERT_EQ(6000u, facade.m_pSndDataty->getDataSize());
     for (size_t i = 0; i < 6000; i++)
-        ASSERT_EQ(counting(i), static_cast<BYTE>(pData[i])) << i;
-
-    messages.clear();
+        ASSERT_EQ(counting(i), static_cast<BYTE>(facade.m_pSndDataty->getDataPointer()[i])) << i;
     EXPECT_EQ(0, facade.recordUpdate()); // after the stop: silently nothing
     EXPECT_TRUE(messages.texts().empty());
 }
 
-TEST_F(FacadeTest, StopWithoutARecordingSaysWhatIsMissing)
+TEST_F(FacadeTest, RefusalsSayWhatIsMissing)
 {
     TestFacade facade;
     EXPECT_EQ(0, facade.recordStop());
-    EXPECT_EQ((std::vector<std::wstring>{L"CSndDataRecordPlayty2Rdsnd1R::m_pSndDataty not initiated"}),
-              messages.texts());
-}
-
-TEST_F(FacadeTest, DestroyingAnyFacadeTakesTheSharedCaptureObject)
-{
-    TestFacade first;
-    ASSERT_EQ(1, first.recordBegin(NULL, 0));
-    {
-        TestFacade second;
-        EXPECT_EQ(first.m_pDSndCapturetyx, second.m_pDSndCapturetyx);
-    }
-    EXPECT_EQ(nullptr, first.m_pDSndCapturetyx);
-    ASSERT_EQ(1, first.recordBegin(NULL, 0)); // the next record call makes a fresh one
-    EXPECT_NE(nullptr, first.m_pDSndCapturetyx);
-}
-
-TEST_F(FacadeTest, PlayChecksDataBeforeTheDevice)
-{
-    TestFacade facade;
+    EXPECT_EQ(1, facade.playStop()); // no buffer to stop is no error
     CSndDatatyx empty;
     facade.setSndData(&empty);
     EXPECT_EQ(0, facade.playBegin(NULL, 0, 0));
-    auto data = rampData(pcmFormat(2, 22050, 16), 4000);
     facade.setSndData(data.get());
-    EXPECT_EQ(0, facade.playBegin(NULL, 0, 0));
-    EXPECT_EQ((std::vector<std::wstring>{L"No sound data for play", L"Please initialize sound card first!"}),
+    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(NULL);
+    EXPECT_EQ(0, facade.playBegin(NULL, 0, 0)); // the data are checked before the device
+    EXPECT_EQ((std::vector<std::wstring>{L"CSndDataRecordPlayty2Rdsnd1R::m_pSndDataty not initiated",
+                                         L"No sound data for play", L"Please initialize sound card first!"}),
               messages.texts());
     facade.setSndData(NULL);
 }
 
-TEST_F(FacadeTest, PlayMakesTheBufferAnewEachTimeAndStopsFirst)
+TEST_F(FacadeTest, EveryPlayMakesTheBufferAnewStopsFirstAndRewindsBeforePlaying)
 {
-    auto data = rampData(pcmFormat(2, 22050, 16), 4000);
-    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
     TestFacade facade;
     facade.setSndData(data.get());
     CWnd window;
     ASSERT_EQ(1, facade.playBegin(&window, 7, 9));
     ASSERT_EQ(1, facade.playBegin(NULL, 0, 0));
-    EXPECT_EQ(2, fake.count("IDirectSound8::CreateSoundBuffer"));
-    EXPECT_EQ(1, fake.count("IDirectSoundBuffer::Stop"));
-    EXPECT_EQ(0, facade.getPlayPosition());
     ASSERT_EQ(1, facade.playBeginLoop(NULL, 0, 0));
-    EXPECT_EQ(static_cast<std::uintptr_t>(DSBPLAY_LOOPING), fake.callsTo("IDirectSoundBuffer::Play").back().args[2]);
+    EXPECT_EQ(3, tap.count("IDirectSound8::CreateSoundBuffer"));
+    EXPECT_EQ((std::vector<std::string>{"SetCurrentPosition(0)", "Play(0)", "Stop", "SetCurrentPosition(0)", "Play(0)",
+                                        "Stop", "SetCurrentPosition(0)", "Play(1)"}),
+              bufferCalls());
     EXPECT_EQ(1, facade.playStop());
     EXPECT_EQ(0, facade.m_bPlayActive);
     facade.setSndData(NULL);
@@ -143,29 +115,22 @@ TEST_F(FacadeTest, PlayMakesTheBufferAnewEachTimeAndStopsFirst)
 
 TEST_F(FacadeTest, ProPlayRefillsTheExistingBufferAndNeedsOne)
 {
-    auto data = rampData(pcmFormat(2, 22050, 16), 4000);
-    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
     TestFacade facade;
     facade.setSndData(data.get());
     EXPECT_EQ(0, facade.playBeginPro(NULL, 0));
     EXPECT_TRUE(messages.saw(L"Copy sound data to Direct sound buffer error"));
 
     ASSERT_EQ(1, facade.playBegin(NULL, 0, 0));
-    auto refill = rampData(pcmFormat(2, 22050, 16), 4000);
-    std::vector<char> reversed(refill->getDataPointer(), refill->getDataPointer() + 4000);
+    // The buffer played is the one the log saw (a request's out-pointer is not kept).
+    const void* played = tap.callsTo("IDirectSoundBuffer::Play").back().object;
+    std::vector<char> reversed(data->getDataPointer(), data->getDataPointer() + 4000);
     std::reverse(reversed.begin(), reversed.end());
     data->setNewSndData(reversed.data(), 4000, pcmFormat(2, 22050, 16));
+    tap.clearLog();
     ASSERT_EQ(1, facade.playBeginPro(NULL, 0));
-    EXPECT_EQ(1, fake.count("IDirectSound8::CreateSoundBuffer"));
-    std::vector<BYTE> held = fake.contents(fake.bufferRequests().back().buffer);
-    EXPECT_EQ(std::vector<BYTE>(reversed.begin(), reversed.end()), held);
+    EXPECT_EQ(0, tap.count("IDirectSound8::CreateSoundBuffer"));
+    EXPECT_EQ((std::vector<std::string>{"Stop", "SetCurrentPosition(0)", "Play(0)"}), bufferCalls());
+    EXPECT_EQ(std::vector<BYTE>(reversed.begin(), reversed.end()), tap.contents(played));
     facade.setSndData(NULL);
-}
-
-TEST_F(FacadeTest, StopWithoutABufferIsQuietlyDone)
-{
-    TestFacade facade;
-    EXPECT_EQ(1, facade.playStop());
-    EXPECT_TRUE(messages.texts().empty());
 }
 }
