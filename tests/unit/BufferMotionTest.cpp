@@ -1,11 +1,7 @@
 #include "BufferTestSupport.h"
-#include <chrono>
-#include <thread>
 
 namespace
 {
-const DWORD kWait = 5000; // generous: the motion thread runs on its own
-
 class BufferMotionTest : public BufferTest
 {
 protected:
@@ -13,33 +9,18 @@ protected:
     {
         BufferTest::SetUp();
         tap.setClock(10000);
-        data = rampData(pcmFormat(1, 22050, 16), 44100); // one second
         ASSERT_EQ(1, buffer.setSndData2DS3Dbuff2(data.get(), &device));
-        messages.clear();
-    }
-    // The motion thread runs on its own: wait until it has set the source where expected.
-    bool waitForSourceAt(float x)
-    {
-        for (DWORD waited = 0; waited < kWait; waited += 2)
-        {
-            auto sets = tap.buffer3DSets();
-            if (!sets.empty() && sets.back().parameters.vPosition.x == x)
-                return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-        return false;
     }
     // A motion that ends by itself (time up, or a failure) finishes its thread.
     bool motionEnds() { return WaitForSingleObject(buffer.m_pMoveThread->m_hThread, kWait) == WAIT_OBJECT_0; }
 
-    std::unique_ptr<CSndDatatyx> data;
+    std::unique_ptr<CSndDatatyx> data = rampData(pcmFormat(1, 22050, 16), 44100); // one second
     TestBuffer buffer;
 };
 
 TEST_F(BufferMotionTest, MovingMeansAPositiveSumOfAllVelocities)
 {
-    buffer.m_ds3dBuffer.vVelocity = {1, 2, 3};
-    buffer.m_ds3dListener.vVelocity = {0, 0, 0};
+    buffer.m_ds3dBuffer.vVelocity = {1, 2, 3}; // the listener stands still
     EXPECT_EQ(1, buffer.isMovingSound());
     buffer.m_ds3dBuffer.vVelocity = {-1, 0, 0};
     EXPECT_EQ(0, buffer.isMovingSound());
@@ -53,45 +34,40 @@ TEST_F(BufferMotionTest, StaticStartAppliesTheWorkingRecordsDeferredAndPlaysRepo
     tap.clearLog();
     tap.failNext("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC); // not reported
     ASSERT_EQ(1, buffer.sendAudStim3DSndStatic());
-    EXPECT_EQ((std::vector<std::string>{"SetAllParameters(1)", "SetAllParameters(1)", "CommitDeferredSettings",
+    EXPECT_EQ((Names{"SetAllParameters(1)", "SetAllParameters(1)", "CommitDeferredSettings",
                                         "SetCurrentPosition(0)", "Play(0)", "Play(0)"}),
               sequence(tap, {"IDirectSound3DBuffer::SetAllParameters", "IDirectSound3DListener::SetAllParameters",
                              "IDirectSound3DListener::CommitDeferredSettings",
                              "IDirectSoundBuffer::SetCurrentPosition", "IDirectSoundBuffer::Play"}));
     EXPECT_FLOAT_EQ(2.0f, tap.buffer3DSets().back().parameters.vPosition.x);
-    EXPECT_TRUE(messages.texts().empty());
 
     tap.failNext("IDirectSound3DBuffer::SetAllParameters", DSERR_GENERIC);
     EXPECT_EQ(0, buffer.sendAudStim3DSndStatic());
     tap.failNext("IDirectSound3DListener::SetAllParameters", DSERR_GENERIC);
     EXPECT_EQ(0, buffer.sendAudStim3DSndStatic());
-    EXPECT_EQ((std::vector<std::wstring>{L"Direct sound buffer 3D set all parameters error",
-                                         L"Direct sound 3D listener set all parameters error"}),
-              messages.texts());
+    EXPECT_EQ((Texts{L"Direct sound buffer 3D set all parameters error",
+                     L"Direct sound 3D listener set all parameters error"}), messages.texts());
 }
 
+// Every clock read moves the clock on by a quarter second, and the motion reads it once a step.
 TEST_F(BufferMotionTest, PositionsFollowTheClockUntilThePlayLengthHasPassed)
 {
-    buffer.m_ds3dBuffer.vPosition = {0, 0, 0};
-    buffer.m_ds3dBuffer.vVelocity = {2, 0, 0};
+    buffer.m_ds3dBuffer.vVelocity = {2, 0, 0}; // from where the platform placed it: the origin
     buffer.m_ds3dListener.vPosition = {0, 1, 0};
     buffer.m_ds3dListener.vVelocity = {0, 0, -4};
+    tap.setClockStep(250);
     ASSERT_EQ(1, buffer.sendAudioStimDS3D());
+    ASSERT_TRUE(motionEnds()); // at the first step past the play length
     EXPECT_FLOAT_EQ(1000.0f, buffer.m_fPlayLength);
-
-    tap.advanceClock(500);
-    ASSERT_TRUE(waitForSourceAt(1.0f));
-    DS3DLISTENER listener = {};
-    const std::vector<BYTE> set = tap.callsTo("IDirectSound3DListener::SetAllParameters").back().data;
-    memcpy(&listener, set.data(), std::min(set.size(), sizeof(listener)));
-    EXPECT_FLOAT_EQ(1.0f, listener.vPosition.y);
-    EXPECT_FLOAT_EQ(-2.0f, listener.vPosition.z);
+    const auto sets = tap.buffer3DSets(); // the start's, then one a step: at 250, 500, 750 and 1000 ms
+    ASSERT_EQ(5u, sets.size());
+    for (size_t step = 0; step < sets.size(); step++)
+        EXPECT_FLOAT_EQ(0.5f * step, sets[step].parameters.vPosition.x) << step;
+    const auto listenerSets = tap.callsTo("IDirectSound3DListener::SetAllParameters");
+    const auto* listener = reinterpret_cast<const DS3DLISTENER*>(listenerSets.at(2).data.data());
+    EXPECT_FLOAT_EQ(1.0f, listener->vPosition.y);
+    EXPECT_FLOAT_EQ(-2.0f, listener->vPosition.z);
     EXPECT_FLOAT_EQ(0.0f, buffer.m_ds3dBuffer.vPosition.x); // the working records stay where the motion began
-
-    tap.advanceClock(500);
-    ASSERT_TRUE(waitForSourceAt(2.0f)); // the last step still inside the play length
-    tap.advanceClock(1);
-    EXPECT_TRUE(motionEnds());
 }
 
 TEST_F(BufferMotionTest, StoppingRestartingOrDestroyingEndsTheMotion)
@@ -116,6 +92,6 @@ TEST_F(BufferMotionTest, MotionFailureEndsTheMotionWithItsMessage)
     ASSERT_EQ(1, buffer.sendAudioStimMovingSnd());
     tap.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
     ASSERT_TRUE(motionEnds());
-    EXPECT_EQ((std::vector<std::wstring>{L"Direct sound listener 3D set all parameters error"}), messages.texts());
+    EXPECT_EQ((Texts{L"Direct sound listener 3D set all parameters error"}), messages.texts());
 }
 }

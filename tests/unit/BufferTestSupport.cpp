@@ -11,9 +11,9 @@ std::unique_ptr<CSndDatatyx> rampData(tWAVEFORMATEX wfx, unsigned long bytes)
     return pSndData;
 }
 
-std::vector<std::string> sequence(const dstap::DSoundTap& tap, std::initializer_list<const char*> methods)
+Names sequence(const dstap::DSoundTap& tap, std::initializer_list<const char*> methods)
 {
-    std::vector<std::string> seen;
+    Names seen;
     for (const dstap::Call& call : tap.calls())
     {
         if (std::find(methods.begin(), methods.end(), call.method) == methods.end())
@@ -23,6 +23,12 @@ std::vector<std::string> sequence(const dstap::DSoundTap& tap, std::initializer_
         seen.push_back(call.args.empty() ? name : name + "(" + std::to_string(last) + ")");
     }
     return seen;
+}
+
+Names starts(const dstap::DSoundTap& tap)
+{
+    return sequence(tap, {"IDirectSoundBuffer::Stop", "IDirectSoundBuffer::SetCurrentPosition",
+                          "IDirectSoundBuffer::Play", "IDirectSoundBuffer::Restore"});
 }
 
 void CaptureRing::advance(size_t bytes)
