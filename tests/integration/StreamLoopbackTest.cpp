@@ -1,7 +1,8 @@
 // Streamed playback heard through the loopback: a file longer than the two-second buffer
 // plays through in order, falls silent after its end and stops by itself; a stopped stream
-// played again starts from the beginning of the file.
+// played again starts from the beginning of the file; stimctl streams a file as a user asks.
 
+#include "ChildProcess.h"
 #include "DirectSndty.h"
 #include "LoopbackRecorder.h"
 #include "SignalAnalysis.h"
@@ -156,4 +157,25 @@ TEST_F(StreamLoopback, PlayAfterStopStartsAgainFromTheBeginning)
     ASSERT_GE(onset, 0) << "nothing was heard";
     EXPECT_NEAR(400.0, frequencyAt(all, onset, 0.15), 10.0);
 }
+}
+
+TEST_F(StreamLoopback, StimctlStreamsAFileWithItsProgressAndRefusesOtherPlayOptions)
+{
+    ASSERT_TRUE(recorder.start());
+    ChildProcess stimctl(L"stimctl.exe", L"play \"" + path + L"\" --stream");
+    const Outcome outcome = stimctl.finish();
+    recorder.stop();
+    ASSERT_EQ(0u, outcome.status) << outcome.err;
+    EXPECT_NE(std::string::npos, outcome.out.find("streaming 3/3.5 s\nplayed\n")) << outcome.out;
+    const std::vector<int16_t> recorded = recorder.samples();
+    const PcmView all = view(recorded, 2);
+    const long long onset = onsetFrame(all, -40.0);
+    ASSERT_GE(onset, 0) << "nothing was heard";
+    for (int second = 0; second < 4; second++)
+        EXPECT_NEAR(400.0 * (second + 1), frequencyAt(all, onset, second + 0.15), 10.0) << "second " << second;
+
+    ChildProcess refused(L"stimctl.exe", L"play \"" + path + L"\" --stream --pan left");
+    const Outcome refusal = refused.finish();
+    EXPECT_EQ(2u, refusal.status);
+    EXPECT_NE(std::string::npos, refusal.err.find("--stream cannot be combined")) << refusal.err;
 }
