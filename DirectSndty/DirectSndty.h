@@ -10,5 +10,6 @@
 #include "capture/DSndCapturetyx.h"
 #include "facade/SndDataRecordPlaytyx.h"
 #include "dialogs/DlgDSndCapturePro.h"
+#include "dialogs/DlgSoundStreamPlay.h"
 #include "SndDatatyx.h"
 #include "SndDataConvertty.h"

@@ -120,3 +120,9 @@
 #define IDC_CHECK_TIME_CRITICAL         7013
 #define IDC_CHECK_DIRECT_RECORD         7014
 #define IDC_CHECK_RECORD_NEW            7015
+
+// Stream playback dialog ("Huge sound file player")
+#define IDD_DLG_SOUND_STREAM_PLAY       7029
+#define IDC_BTN_STREAM_OPEN_FILE        7053
+#define IDC_BTN_STREAM_PLAY             7055
+#define IDC_BTN_STREAM_STOP             7056

@@ -35,7 +35,8 @@ bool looksLikeOption(const std::wstring& word)
 }
 
 bool splitArguments(const std::vector<std::wstring>& words, const std::set<std::wstring>& known,
-                    size_t maxPositional, Arguments& out, std::string& reason)
+                    size_t maxPositional, Arguments& out, std::string& reason,
+                    const std::set<std::wstring>& switches)
 {
     for (size_t i = 0; i < words.size(); ++i)
     {
@@ -50,17 +51,18 @@ bool splitArguments(const std::vector<std::wstring>& words, const std::set<std::
             out.positional.push_back(word);
             continue;
         }
-        if (known.count(word) == 0)
+        const bool isSwitch = switches.count(word) != 0;
+        if (!isSwitch && known.count(word) == 0)
         {
             reason = "unknown option " + toUtf8(word);
             return false;
         }
-        if (i + 1 >= words.size())
+        if (!isSwitch && i + 1 >= words.size())
         {
             reason = toUtf8(word) + " needs a value";
             return false;
         }
-        if (!out.options.emplace(word, words[++i]).second)
+        if (!out.options.emplace(word, isSwitch ? std::wstring() : words[++i]).second)
         {
             reason = toUtf8(word) + " given twice";
             return false;

@@ -21,11 +21,14 @@ struct Arguments
 // The process's arguments after the program name, as typed (wide, so file names survive).
 std::vector<std::wstring> commandLineWords();
 
-// Splits `words` into positional arguments and the options named in `known`, each followed
-// by its value; "--help" or "-h" anywhere asks for help. An option not in `known`, an option
-// given twice or without its value, or more positional arguments than `maxPositional` is an error.
+// Splits `words` into positional arguments, the options named in `known`, each followed by
+// its value, and the switches named in `switches`, which take none (kept with an empty
+// value); "--help" or "-h" anywhere asks for help. An option not in `known` or `switches`,
+// an option given twice or without its value, or more positional arguments than
+// `maxPositional` is an error.
 bool splitArguments(const std::vector<std::wstring>& words, const std::set<std::wstring>& known,
-                    size_t maxPositional, Arguments& out, std::string& reason);
+                    size_t maxPositional, Arguments& out, std::string& reason,
+                    const std::set<std::wstring>& switches = {});
 
 // A decimal number within [min, max], nothing after it.
 bool parseNumber(const std::wstring& text, const char* what, double min, double max, double& value,

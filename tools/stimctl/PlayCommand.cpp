@@ -1,5 +1,6 @@
 // stimctl play: plays a wave file once or looped through the library's record/play object,
-// or panned or as a (moving) 3D source through a sound buffer of the library.
+// panned or as a (moving) 3D source through a sound buffer of the library, or streamed from
+// the file through the library's two-second streaming buffer, for files of any length.
 
 #include "Arguments.h"
 #include "Commands.h"
@@ -7,11 +8,14 @@
 #include "SoundSession.h"
 #include "WaveFileIo.h"
 
+#include <atomic>
+#include <thread>
+
 namespace
 {
 const char kUsage[] =
     "usage: stimctl play FILE.wav [--loop SECONDS] [--pan left|right|centre]\n"
-    "                             [--3d X,Y,Z [--move VX,VY,VZ]]\n"
+    "                             [--3d X,Y,Z [--move VX,VY,VZ]] [--stream]\n"
     "Plays FILE.wav (8- or 16-bit PCM, mono or stereo) once through the default device.\n"
     "  --loop SECONDS   repeat the sound for SECONDS (0.01 to 3600), then stop\n"
     "  --pan SIDE       left: heard on the left only; right: on the right only;\n"
@@ -19,7 +23,9 @@ const char kUsage[] =
     "  --3d X,Y,Z       play as a 3D source at X,Y,Z; the listener is at the origin facing +Z,\n"
     "                   +X on its right; stereo is mixed to mono first\n"
     "  --move VX,VY,VZ  with --3d: the source moves at this velocity (units per second)\n"
-    "                   while the sound plays once";
+    "                   while the sound plays once\n"
+    "  --stream         stream the file through a two-second buffer instead of loading it\n"
+    "                   whole: for files of any length (alone, without the options above)";
 
 const double kMaxCoordinate = 10000.0;
 
@@ -29,6 +35,7 @@ struct PlayRequest
     double loopSeconds = 0.0; // 0: once
     std::wstring pan;         // empty: as recorded
     bool threeD = false;
+    bool stream = false;
     float position[3] = {0.0f, 0.0f, 0.0f};
     float velocity[3] = {0.0f, 0.0f, 0.0f};
 };
@@ -39,6 +46,8 @@ bool readCombination(const Arguments& args, std::string& reason)
         reason = "--move needs --3d";
     else if (args.has(L"--3d") && (args.has(L"--pan") || args.has(L"--loop")))
         reason = "--3d cannot be combined with --pan or --loop";
+    else if (args.has(L"--stream") && (args.has(L"--pan") || args.has(L"--loop") || args.has(L"--3d")))
+        reason = "--stream cannot be combined with --loop, --pan or --3d";
     return reason.empty();
 }
 
@@ -57,6 +66,7 @@ bool readRequest(const Arguments& args, PlayRequest& request, std::string& reaso
     if (args.has(L"--pan") && !parseChoice(args.value(L"--pan"), "--pan", {L"left", L"right", L"centre", L"center"}, request.pan, reason))
         return false;
     request.threeD = args.has(L"--3d");
+    request.stream = args.has(L"--stream");
     if (request.threeD && !parseTriple(args.value(L"--3d"), "--3d", kMaxCoordinate, request.position, reason))
         return false;
     if (args.has(L"--move") && !parseTriple(args.value(L"--move"), "--move", kMaxCoordinate, request.velocity, reason))
@@ -131,6 +141,58 @@ int playIn3D(const PlayRequest& request, CSndDatatyx& data, CDirectSndDevicety& 
     buffer.stopAudioStim();
     return kExitOk;
 }
+
+// The buffer is given the device by a load of a few bytes of silence, which the stream's
+// own buffer then replaces.
+bool attachDevice(CDirectSnd3DBuffty& buffer, CDirectSndDevicety& device, const tWAVEFORMATEX& wfx)
+{
+    const char silence[4] = {};
+    CSndDatatyx none;
+    return none.setNewSndData(silence, sizeof silence, wfx) && buffer.setSndData2DSndBuf2ndStd(&none, &device);
+}
+
+// A worker refills the buffer until the stream has stopped itself after the file's end.
+int playStreamed(const std::wstring& file)
+{
+    std::string reason;
+    CSndDataReadtyStream reader;
+    unsigned long bytes = 0;
+    tWAVEFORMATEX wfx = {};
+    if (!openWaveStream(file, reader, bytes, wfx, reason))
+        return failRun("play", reason);
+    if (!isPlayableFormat(wfx, reason))
+        return failRun("play", toUtf8(file) + ": " + reason);
+    SoundSession session;
+    if (!session.open(reason))
+        return failRun("play", reason);
+    say("streaming %s: %.3f s, %lu Hz, %u channels, %u bits", toUtf8(file).c_str(), secondsOf(bytes, wfx),
+        (unsigned long)wfx.nSamplesPerSec, wfx.nChannels, wfx.wBitsPerSample);
+
+    // The stream asks for the normal level, at which the primary format stays the card's.
+    QuietMessage normalLevel(L"To change primary sound buffer formate, direct sound cooperative level at least priority");
+    QuietMessage noPrimary(L"Primary sound buffer is not initialized");
+    CDirectSnd3DBuffty buffer;
+    buffer.m_pSndDataReadStream = &reader;
+    if (!attachDevice(buffer, session.device(), wfx) || !buffer.initPlayStream(session.device().getSndDeviceHwnd(), wfx))
+        return failRun("play", "the streaming buffer could not be made");
+    std::atomic<bool> over(false);
+    std::thread worker([&] {
+        while (buffer.waitStreamEvt())
+        {
+        }
+        over = true;
+    });
+    buffer.playDSnd2ndBufLargeFileStream();
+    ProgressLine progress("streaming", secondsOf(bytes, wfx));
+    const double start = secondsNow();
+    while (!over)
+    {
+        Sleep(50);
+        progress.show(secondsNow() - start);
+    }
+    worker.join();
+    return kExitOk;
+}
 }
 
 int runPlay(const Words& words)
@@ -138,7 +200,7 @@ int runPlay(const Words& words)
     Arguments args;
     std::string reason;
     PlayRequest request;
-    if (!splitArguments(words, {L"--loop", L"--pan", L"--3d", L"--move"}, 1, args, reason))
+    if (!splitArguments(words, {L"--loop", L"--pan", L"--3d", L"--move"}, 1, args, reason, {L"--stream"}))
         return failUsage("play", reason);
     if (args.help)
     {
@@ -147,6 +209,13 @@ int runPlay(const Words& words)
     }
     if (!readRequest(args, request, reason))
         return failUsage("play", reason);
+    if (request.stream)
+    {
+        const int status = playStreamed(request.file);
+        if (status == kExitOk)
+            say("played");
+        return status;
+    }
 
     CSndDatatyx data;
     if (!readWaveFile(request.file, data, reason))

@@ -16,11 +16,9 @@ std::string because(WaveFileResult result)
 const unsigned long kWritePiece = 1u << 20;
 }
 
-bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reason)
+bool openWaveStream(const std::wstring& path, CSndDataReadtyStream& reader, unsigned long& size,
+                    tWAVEFORMATEX& wfx, std::string& reason)
 {
-    CSndDataReadtyStream reader;
-    unsigned long size = 0;
-    tWAVEFORMATEX wfx = {};
     if (!reader.initStream2Read(CString(path.c_str()), &size, &wfx))
     {
         reason = toUtf8(path) + ": " + because(reader.getSndFileResult());
@@ -31,6 +29,16 @@ bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reas
         reason = toUtf8(path) + ": the wave file holds no sound";
         return false;
     }
+    return true;
+}
+
+bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reason)
+{
+    CSndDataReadtyStream reader;
+    unsigned long size = 0;
+    tWAVEFORMATEX wfx = {};
+    if (!openWaveStream(path, reader, size, wfx, reason))
+        return false;
     std::vector<char> bytes(size);
     unsigned long got = size;
     if (!reader.readNewData(bytes.data(), got) || got != size)

@@ -2,12 +2,18 @@
 // Wave files in and out of sound-data containers, through the wave-file library.
 
 #include "SndDatatyx.h"
+#include "SndDataReadtyStream.h"
 
 #include <string>
 
 // Reads the whole sound data of a PCM wave file into `data`. False, with the reason, when
 // the file cannot be opened, is no wave file, holds no PCM or cannot be read.
 bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reason);
+
+// Opens a PCM wave file for reading piece by piece: `size` gets its bytes of sound and
+// `wfx` its format. False, with the reason, as for readWaveFile.
+bool openWaveStream(const std::wstring& path, CSndDataReadtyStream& reader, unsigned long& size,
+                    tWAVEFORMATEX& wfx, std::string& reason);
 
 // Creates `path` as a wave file with no sound yet, so that a path that cannot be written is
 // found before anything is recorded. False with the reason.
