@@ -67,7 +67,7 @@ long positionOf(const int16_t* frame)
 class GapCounter
 {
 public:
-    explicit GapCounter(unsigned long seconds) : m_lastOfFile(static_cast<long>((seconds * kRate - 1) % kPositionSpan)) {}
+    explicit GapCounter(unsigned long seconds) : m_lastOfFile(static_cast<long long>(seconds) * kRate - 1) {}
     void add(const int16_t* frames, size_t count)
     {
         for (size_t i = 0; i < count; i++)
@@ -105,22 +105,24 @@ private:
                 step -= kPositionSpan;
             if (step != 0)
                 note(std::labs(step) >= kJumpFrames ? "jump" : "slip", step, std::labs(step) >= kJumpFrames ? m_jumps : m_slips);
+            m_position += 1 + step;
         }
         m_silence = 0;
         m_last = position;
         m_heard++;
-        m_ended = position == m_lastOfFile;
+        m_ended = m_position >= m_lastOfFile;
     }
 
     // Counts an event and tells where the first few were heard.
     void note(const char* kind, long frames, unsigned long& count)
     {
         if (m_slips + m_jumps + m_stalls < 8)
-            std::printf("    %s of %ld frames after %.3f s of the file\n", kind, frames, static_cast<double>(m_last) / kRate);
+            std::printf("    %s of %ld frames after %.3f s of the file\n", kind, frames, static_cast<double>(m_position) / kRate);
         count++;
     }
 
-    const long m_lastOfFile;
+    const long long m_lastOfFile;
+    long long m_position = 0; // the frame heard last, counted from the first one heard
     bool m_ended = false;
     unsigned long m_heard = 0, m_slips = 0, m_jumps = 0, m_stalls = 0, m_afterEnd = 0;
     size_t m_silence = 0;
