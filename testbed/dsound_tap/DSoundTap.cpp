@@ -42,8 +42,6 @@ std::vector<Request> creations(const std::vector<Call>& calls, const std::string
         request.hasFormat = call.data.size() >= sizeof(Desc) + sizeof(PCMWAVEFORMAT);
         request.format = leading<WAVEFORMATEX>(call.data, sizeof(Desc));
         request.result = call.result;
-        using Out = decltype(request.buffer);
-        request.buffer = SUCCEEDED(call.result) ? *reinterpret_cast<Out*>(call.args.at(1)) : nullptr;
         requests.push_back(request);
     }
     return requests;

@@ -53,7 +53,6 @@ struct BufferRequest
     bool hasFormat;
     WAVEFORMATEX format; // copied during the call
     HRESULT result;
-    IDirectSoundBuffer* buffer; // what the library got, or null
 };
 
 // IDirectSoundCapture::CreateCaptureBuffer.
@@ -64,7 +63,6 @@ struct CaptureBufferRequest
     bool hasFormat;
     WAVEFORMATEX format;
     HRESULT result;
-    IDirectSoundCaptureBuffer* buffer;
 };
 
 // IDirectSoundNotify::SetNotificationPositions, on a playback or a capture buffer.
