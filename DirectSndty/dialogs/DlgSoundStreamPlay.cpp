@@ -89,6 +89,8 @@ void CDlgSoundStreamPlay::OnBnClickedOpenFile()
 // Each Play opens the file again, so it starts from the beginning.
 void CDlgSoundStreamPlay::OnBnClickedPlay()
 {
+    if (m_pSndBuffStream == NULL)
+        return; // an owner that gave no buffer gets a player that does nothing
     tWAVEFORMATEX wfx;
     openStreamAtStart(wfx);
     m_btnStop.EnableWindow(TRUE);
@@ -103,7 +105,8 @@ void CDlgSoundStreamPlay::OnBnClickedPlay()
 // second run finds nothing left to stop.
 void CDlgSoundStreamPlay::OnBnClickedStop()
 {
-    m_pSndBuffStream->stopDSnd2ndBufLargeFileStream();
+    if (m_pSndBuffStream != NULL)
+        m_pSndBuffStream->stopDSnd2ndBufLargeFileStream();
     if (GetSafeHwnd() == NULL)
         return; // the window went before its worker ended
     showIdleButtons(TRUE);
@@ -117,6 +120,8 @@ void CDlgSoundStreamPlay::openStreamAtStart(tWAVEFORMATEX& wfx)
     endStreamThread();
     unsigned long ulDataSize = 0;
     m_sndReadStream.initStream2Read(CString(m_strFilePath), &ulDataSize, &wfx);
+    if (m_pSndBuffStream == NULL)
+        return;
     m_pSndBuffStream->m_pSndDataReadStream = &m_sndReadStream;
     m_pSndBuffStream->initPlayStream(GetSafeHwnd(), wfx);
 }
