@@ -9,6 +9,7 @@
 #include "buffer/DirectSnd3DBuffty.h"
 #include "capture/DSndCapturetyx.h"
 #include "facade/SndDataRecordPlaytyx.h"
+#include "schedule/DirectSndSchedulety.h"
 #include "dialogs/DlgDSndCapturePro.h"
 #include "dialogs/DlgSoundStreamPlay.h"
 #include "SndDatatyx.h"

@@ -2,22 +2,11 @@
 #include "SndDataReadtyStream.h"
 #include "../device/DirectSndDevicety.h"
 #include "../foundation/ComRelease.h"
+#include "../foundation/SectionLock.h"
 
 namespace
 {
 const unsigned long kBufferSeconds = 2;
-
-class StreamLock
-{
-public:
-    explicit StreamLock(CRITICAL_SECTION& section) : m_section(section) { EnterCriticalSection(&m_section); }
-    ~StreamLock() { LeaveCriticalSection(&m_section); }
-    StreamLock(const StreamLock&) = delete;
-    StreamLock& operator=(const StreamLock&) = delete;
-
-private:
-    CRITICAL_SECTION& m_section;
-};
 }
 
 CDirectSnd3DBuff7PlayStream::CDirectSnd3DBuff7PlayStream()
@@ -65,7 +54,7 @@ int CDirectSnd3DBuff7PlayStream::initPlayStream(HWND hWnd, tWAVEFORMATEX wfx)
         AfxMessageBox(_T("Unsupported sound wave format"), MB_OK, 0);
         return 0;
     }
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     stopDSnd2ndBufLargeFileStream();
     m_streamEndHalf = kStreamNotEnded;
     ResetEvent(m_hStreamStopped);
@@ -118,7 +107,7 @@ int CDirectSnd3DBuff7PlayStream::initNotifyEvtStreamPlay()
 // Plays on from wherever the cursor stands.
 int CDirectSnd3DBuff7PlayStream::playDSnd2ndBufLargeFileStream()
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (m_pDSBuffer == NULL)
         return 0;
     m_hr = m_pDSBuffer->Play(0, 0, DSBPLAY_LOOPING);
@@ -142,7 +131,7 @@ int CDirectSnd3DBuff7PlayStream::waitStreamEvt()
 // stream already stopped has nothing left to refill.
 int CDirectSnd3DBuff7PlayStream::streamData2Buffer(unsigned long ulHalf)
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (ulHalf > 1)
         return 0;
     if (m_streamEndHalf == ulHalf)
@@ -193,7 +182,7 @@ void CDirectSnd3DBuff7PlayStream::refillRegion(unsigned long ulHalf, void* pRegi
 
 int CDirectSnd3DBuff7PlayStream::stopDSnd2ndBufLargeFileStream()
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (m_pDSBuffer != NULL)
     {
         m_pDSBuffer->Stop();
