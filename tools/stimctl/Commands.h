@@ -12,3 +12,4 @@ int runPlay(const Words& words);
 int runTone(const Words& words);
 int runRecord(const Words& words);
 int runPlayRec(const Words& words);
+int runTrain(const Words& words);

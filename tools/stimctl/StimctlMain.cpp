@@ -24,6 +24,8 @@ const char kUsage[] =
     "  playrec IN.wav OUT.wav [--pad SECONDS]\n"
     "                                play a wave file while recording it back; print the\n"
     "                                level heard and the delay from the play call to the onset\n"
+    "  train FILE.wav --every MS --count N [--jitter MS]\n"
+    "                                a train of stimuli placed to the frame on a running stream\n"
     "\n"
     "stimctl COMMAND --help describes a command.\n"
     "Exit status: 0 done, 1 the sound device or a file failed, 2 wrong arguments.";
@@ -37,6 +39,7 @@ struct Command
 const Command kCommands[] = {
     {"devices", runDevices}, {"caps", runCaps},     {"play", runPlay},
     {"tone", runTone},       {"record", runRecord}, {"playrec", runPlayRec},
+    {"train", runTrain},
 };
 
 int refuse(const std::string& reason)
