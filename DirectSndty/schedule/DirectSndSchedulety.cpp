@@ -13,7 +13,7 @@ namespace
 const unsigned long kShortestLeadMs = 10;
 const unsigned long kLongestLeadMs = 5000;
 const DWORD kLeadsPerBuffer = 4; // the buffer holds this many leads, and at least a second
-const DWORD kPollsPerLead = 8;
+const DWORD kPollsPerLead = 4;
 
 LONGLONG counterNow()
 {

@@ -4,7 +4,7 @@
 
 namespace
 {
-const LONGLONG kWindowSeconds = 4;
+const LONGLONG kWindowSeconds = 1;
 const size_t kMostReadings = 4096;
 }
 

@@ -2,7 +2,7 @@
 // The relation between the performance counter and the frames a looping buffer has played,
 // learnt from readings of its play cursor. The cursor moves a mixer period at a time, so a
 // reading can only lag the true position: the mapping follows the most advanced readings of
-// the last few seconds, which also tracks a slow drift between the two clocks.
+// the last second, which also tracks a slow drift between the two clocks.
 
 #include <windows.h>
 #include <deque>

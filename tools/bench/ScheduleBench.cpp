@@ -1,0 +1,272 @@
+// How exactly stimuli land, heard back through the loopback: a train of 100 bursts at random
+// spacings of 150 to 350 ms placed by the scheduler at performance-counter times, against the
+// same train started by sendAudioStim at those times, in the same run. Prints the intervals
+// that are exact to the frame, the SD of the interval error, the SD of the onset error
+// against the counter (after removing the mean, the one latency a user measures), how far
+// ahead of the play cursor the earliest schedulable frame stays, and the scheduler's
+// processor time.
+
+#include "DirectSndty.h"
+#include "LoopbackRecorder.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+using dsty_test::LoopbackRecorder;
+
+namespace
+{
+const unsigned kRate = 44100;
+const size_t kStimuli = 100;
+const size_t kBurstFrames = 441;
+const unsigned long kLeadMs = 50;
+const tWAVEFORMATEX kFormat = {WAVE_FORMAT_PCM, 2, kRate, 4 * kRate, 4, 16, 0};
+
+LONGLONG counterNow()
+{
+    LARGE_INTEGER now;
+    QueryPerformanceCounter(&now);
+    return now.QuadPart;
+}
+
+double counterHz()
+{
+    LARGE_INTEGER hz;
+    QueryPerformanceFrequency(&hz);
+    return static_cast<double>(hz.QuadPart);
+}
+
+double processCpuSeconds()
+{
+    FILETIME created, exited, kernel, user;
+    GetProcessTimes(GetCurrentProcess(), &created, &exited, &kernel, &user);
+    auto seconds = [](const FILETIME& t) {
+        return (static_cast<double>(t.dwHighDateTime) * 4294967296.0 + t.dwLowDateTime) / 1e7;
+    };
+    return seconds(kernel) + seconds(user);
+}
+
+// A 10 ms square burst that starts at full strength, so its first frame stands out.
+void makeBurst(CSndDatatyx& burst)
+{
+    std::vector<short> pcm;
+    for (size_t k = 0; k < kBurstFrames; k++)
+    {
+        const short sample = (k / 22) % 2 == 0 ? 16000 : -16000;
+        pcm.push_back(sample);
+        pcm.push_back(sample);
+    }
+    burst.setNewSndData(reinterpret_cast<const char*>(pcm.data()), static_cast<unsigned long>(pcm.size() * 2),
+                        kFormat);
+}
+
+// Planned onsets in counter ticks from the train's start.
+std::vector<LONGLONG> planTrain()
+{
+    std::mt19937 random(20261122);
+    std::uniform_int_distribution<int> spacingMs(150, 350);
+    std::vector<LONGLONG> ticks(1, 0);
+    while (ticks.size() < kStimuli)
+        ticks.push_back(ticks.back() + static_cast<LONGLONG>(spacingMs(random) * counterHz() / 1000.0));
+    return ticks;
+}
+
+std::vector<long long> heardOnsets(const std::vector<short>& recorded)
+{
+    std::vector<long long> onsets;
+    for (size_t frame = 0; frame < recorded.size() / 2; frame++)
+    {
+        if (std::abs(recorded[2 * frame]) < 4000)
+            continue;
+        onsets.push_back(static_cast<long long>(frame));
+        frame += 2 * kBurstFrames;
+    }
+    return onsets;
+}
+
+double standardDeviation(const std::vector<double>& values)
+{
+    double mean = 0.0, squares = 0.0;
+    for (double v : values)
+        mean += v / values.size();
+    for (double v : values)
+        squares += (v - mean) * (v - mean);
+    return values.size() > 1 ? std::sqrt(squares / (values.size() - 1)) : 0.0;
+}
+
+// The heard onset nearest to where each asked one should fall, counted from the first; -1
+// where none is within 100 ms (a stimulus lost, or a click of the loopback taken for one).
+std::vector<long long> matchOnsets(const std::vector<long long>& heard, const std::vector<long long>& askedFrames)
+{
+    std::vector<long long> matched(askedFrames.size(), -1);
+    for (size_t k = 0; k < askedFrames.size() && !heard.empty(); k++)
+    {
+        const long long target = heard[0] + (askedFrames[k] - askedFrames[0]);
+        long long best = heard[0];
+        for (long long h : heard)
+            best = std::llabs(h - target) < std::llabs(best - target) ? h : best;
+        if (std::llabs(best - target) <= kRate / 10)
+            matched[k] = best;
+    }
+    return matched;
+}
+
+double mean(const std::vector<double>& values)
+{
+    double sum = 0.0;
+    for (double v : values)
+        sum += v;
+    return values.empty() ? 0.0 : sum / values.size();
+}
+
+// Compares what was heard with what was asked: intervals in frames, onsets in counter time.
+void report(const char* what, const LoopbackRecorder& recorder, const std::vector<long long>& askedFrames,
+            const std::vector<LONGLONG>& askedCounters)
+{
+    const std::vector<long long> heard = heardOnsets(recorder.samples());
+    const std::vector<long long> matched = matchOnsets(heard, askedFrames);
+    std::vector<double> intervalErrorsMs, onsetErrorsMs;
+    size_t exact = 0, intervals = 0;
+    for (size_t k = 0; k < matched.size(); k++)
+    {
+        if (matched[k] < 0)
+            continue;
+        onsetErrorsMs.push_back(1000.0 * (static_cast<double>(matched[k]) / kRate -
+                                          recorder.secondsSinceFirstFrame(askedCounters[k])));
+        if (k == 0 || matched[k - 1] < 0)
+            continue;
+        const long long error = (matched[k] - matched[k - 1]) - (askedFrames[k] - askedFrames[k - 1]);
+        exact += error == 0 ? 1 : 0;
+        intervals++;
+        intervalErrorsMs.push_back(1000.0 * error / kRate);
+    }
+    std::printf("%s: %zu of %zu stimuli heard where asked (%zu onsets found)\n", what, onsetErrorsMs.size(),
+                askedFrames.size(), heard.size());
+    std::printf("  intervals exact to the frame %zu of %zu, interval error SD %.3f ms\n", exact, intervals,
+                standardDeviation(intervalErrorsMs));
+    std::printf("  onset against the counter: SD %.3f ms (mean latency %.2f ms removed)\n",
+                standardDeviation(onsetErrorsMs), mean(onsetErrorsMs));
+}
+
+void scheduledTrain(CDirectSndDevicety& device, CSndDatatyx& burst, const std::vector<LONGLONG>& plan)
+{
+    CDirectSndSchedulety schedule;
+    if (!schedule.openSchedule(&device, kFormat, kLeadMs))
+    {
+        std::printf("scheduler: could not open\n");
+        return;
+    }
+    LoopbackRecorder recorder;
+    recorder.start();
+    const LONGLONG start = counterNow() + static_cast<LONGLONG>(0.5 * counterHz());
+    std::vector<long long> frames;
+    std::vector<LONGLONG> counters;
+    LONGLONG mostAhead = 0;
+    while (frames.size() < plan.size() || counterNow() < start + plan.back() + counterHz() / 2)
+    {
+        const LONGLONG ahead = schedule.getEarliestFrame() - schedule.getPlayFrame();
+        mostAhead = ahead > mostAhead ? ahead : mostAhead;
+        if (frames.size() < plan.size() && start + plan[frames.size()] < counterNow() + counterHz() / 2)
+        {
+            counters.push_back(start + plan[frames.size()]);
+            frames.push_back(schedule.timeToFrame(counters.back()));
+            if (!schedule.scheduleStim(&burst, frames.back()))
+                std::printf("scheduler: stimulus %zu came too late\n", frames.size());
+        }
+        Sleep(5);
+    }
+    recorder.stop();
+    report("scheduler", recorder, frames, counters);
+    std::printf("  earliest schedulable frame at most %.2f ms ahead of the play cursor (lead %lu ms)\n",
+                1000.0 * mostAhead / kRate, kLeadMs);
+}
+
+// A busy wait for the last millisecond, so that Play() runs as close to its time as it can.
+void waitForCounter(LONGLONG counter)
+{
+    while (counterNow() < counter - static_cast<LONGLONG>(counterHz() / 500))
+        Sleep(1);
+    while (counterNow() < counter)
+    {
+    }
+}
+
+void playedTrain(CDirectSndDevicety& device, CSndDatatyx& burst, const std::vector<LONGLONG>& plan)
+{
+    CDirectSnd3DBuffty buffer;
+    if (!buffer.setSndData2DSndBuf2ndStd(&burst, &device))
+    {
+        std::printf("sendAudioStim: the burst could not be loaded\n");
+        return;
+    }
+    LoopbackRecorder recorder;
+    recorder.start();
+    const LONGLONG start = counterNow() + static_cast<LONGLONG>(0.5 * counterHz());
+    std::vector<long long> frames;
+    std::vector<LONGLONG> counters;
+    for (LONGLONG tick : plan)
+    {
+        counters.push_back(start + tick);
+        frames.push_back(static_cast<long long>(std::llround(tick * kRate / counterHz())));
+        waitForCounter(counters.back());
+        buffer.sendAudioStim();
+    }
+    Sleep(500);
+    recorder.stop();
+    report("sendAudioStim", recorder, frames, counters);
+}
+
+double processSecondsOver(DWORD ms)
+{
+    const double before = processCpuSeconds();
+    Sleep(ms);
+    return processCpuSeconds() - before;
+}
+
+// The process's processor time with an idle schedule open, less the same with a plain
+// looping buffer playing instead (the platform's mixer works as hard for either): what the
+// scheduler's worker costs.
+void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst)
+{
+    const DWORD ms = 10000;
+    double plain = 0.0;
+    {
+        CDirectSnd3DBuffty loop;
+        loop.setSndData2DSndBuf2ndStd(&burst, &device);
+        loop.sendAudioStimLoop();
+        plain = processSecondsOver(ms);
+        loop.stopAudioStim();
+    }
+    CDirectSndSchedulety schedule;
+    schedule.openSchedule(&device, kFormat, kLeadMs);
+    const double scheduled = processSecondsOver(ms);
+    std::printf("scheduler worker: %.3f%% of one core (process %.3f s with the schedule, %.3f s with a plain"
+                " looping buffer, over %.0f s)\n",
+                100.0 * (scheduled - plain) / (ms / 1000.0), scheduled, plain, ms / 1000.0);
+}
+}
+
+int main()
+{
+    HWND window = CreateWindowW(L"STATIC", L"schedule bench", WS_OVERLAPPED, 0, 0, 10, 10, NULL, NULL,
+                                GetModuleHandleW(NULL), NULL);
+    CDirectSndDevicety device;
+    if (!device.initDSndStimX(window, NULL, DSSCL_PRIORITY))
+    {
+        std::printf("the default device could not be opened\n");
+        return 1;
+    }
+    std::printf("100 bursts at random spacings of 150 to 350 ms, asked for at performance-counter times\n");
+    CSndDatatyx burst;
+    makeBurst(burst);
+    const std::vector<LONGLONG> plan = planTrain();
+    scheduledTrain(device, burst, plan);
+    playedTrain(device, burst, plan);
+    workerCost(device, burst);
+    device.releaseDSndty(&device);
+    DestroyWindow(window);
+    return 0;
+}
