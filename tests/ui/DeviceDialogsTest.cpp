@@ -1,25 +1,11 @@
 // The dialogs that choose the card, show its capabilities, and choose its cooperative level,
-// its speaker configuration and its primary format. What a dialog shows is checked from the thread that drives it.
+// its speaker configuration and its primary format, each checked from the thread that drives it.
 
 #include "UiTestSupport.h"
 
 #include <cwchar>
 
 using namespace dsty_test;
-
-namespace
-{
-// The report a user must see for one device of the list.
-std::wstring deviceBlock(const CDSndDeviceInfoty& list, int i)
-{
-    const GUID& guid = list.m_guidDevice[i];
-    wchar_t text[512];
-    swprintf(text, 512, L"DeviceID: %d \n%d %d %d %d \n%ls \n%ls \n \n", i, (int)guid.Data1, (int)guid.Data2,
-             (int)guid.Data3, (int)(DWORD)(UINT_PTR)guid.Data4, (LPCWSTR)list.m_strDescription[i],
-             (LPCWSTR)list.m_strModule[i]);
-    return text;
-}
-}
 
 // Every device is listed and reported, Wine's primary driver and null sink at least; OK opens
 // the device whose number the combo shows, chosen or typed by hand.
@@ -36,9 +22,17 @@ TEST_F(DialogTest, DeviceListOpensTheNumberTheComboShows)
             const CDSndDeviceInfoty* list = chooser.deviceList();
             ASSERT_TRUE(list && list->m_nDeviceNumber >= 2 && list->m_strDescription[0].Compare(L"Primary Sound Driver") == 0);
             std::vector<std::wstring> items;
-            std::wstring report;
+            std::wstring report;  // what a user must see of each device
             for (int i = 0; i < list->m_nDeviceNumber; ++i)
-                items.push_back(L"          " + std::to_wstring(i)), report += deviceBlock(*list, i);
+            {
+                const GUID& guid = list->m_guidDevice[i];
+                wchar_t block[512];
+                swprintf(block, 512, L"DeviceID: %d \n%d %d %d %d \n%ls \n%ls \n \n", i, (int)guid.Data1, (int)guid.Data2,
+                         (int)guid.Data3, (int)(DWORD)(UINT_PTR)guid.Data4, (LPCWSTR)list->m_strDescription[i],
+                         (LPCWSTR)list->m_strModule[i]);
+                items.push_back(L"          " + std::to_wstring(i));
+                report += block;
+            }
             EXPECT_EQ(comboItems(dialog, IDC_CMB_DEVICE_ID), items);
             EXPECT_EQ(comboSelection(dialog, IDC_CMB_DEVICE_ID), 0);
             EXPECT_EQ(controlText(dialog, IDC_EDIT_DEVICE_COUNT), std::to_wstring(list->m_nDeviceNumber));
@@ -169,10 +163,10 @@ TEST_F(DialogTest, PrimaryFormatOpensOnTheCurrentFormatAndOkAppliesTheChosenOne)
     {
         SCOPED_TRACE(row.rateBefore);
         ASSERT_TRUE(device.setDSndPrimaryWfx(pcmFormat(row.rateBefore, 2)));
-        std::vector<std::vector<std::wstring>> items;
-        std::vector<int> opened;
         const size_t seen = answeredBoxes().size();
         EXPECT_EQ(runDialog(L"Setup direct sound primary format", [&](HWND dialog) {
+            std::vector<std::vector<std::wstring>> items;
+            std::vector<int> opened;
             for (int list : lists)
             {
                 items.push_back(comboItems(dialog, list));
@@ -180,15 +174,14 @@ TEST_F(DialogTest, PrimaryFormatOpensOnTheCurrentFormatAndOkAppliesTheChosenOne)
                 if (row.item >= 0)
                     selectComboItem(dialog, list, row.item);
             }
+            EXPECT_EQ(items, (std::vector<std::vector<std::wstring>>{{L"1", L"2"}, {L"11025", L"22050", L"44100"}, {L"8", L"16"}}));
+            EXPECT_EQ(opened, row.opened);
             if (row.item < 0)
                 setText(dialog, IDC_CMB_PRIMARY_SAMPLING_RATE, L"48000");
             shoot(dialog, L"CDlgDSndPrimaryWfx");
             pressButton(dialog, IDOK);
         }, [&] { return device.setDSndPrimaryWfxPro(); }), 1);
 
-        EXPECT_EQ(items, (std::vector<std::vector<std::wstring>>{
-                             {L"1", L"2"}, {L"11025", L"22050", L"44100"}, {L"8", L"16"}}));
-        EXPECT_EQ(opened, row.opened);
         EXPECT_EQ(answeredBoxes(seen), row.boxes);
         tWAVEFORMATEX applied{};
         ASSERT_TRUE(device.getDSndBuffer1PrimaryWfx(&applied));

@@ -33,7 +33,6 @@ void DialogTest::SetUp()
     // DirectSound wants a top-level window for the cooperative level; it is never shown.
     host = CreateWindowW(L"STATIC", L"DirectSndty dialog test host", WS_OVERLAPPED, 0, 0, 100, 100,
                          nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-    ASSERT_NE(host, nullptr);
 }
 
 void DialogTest::TearDown()
