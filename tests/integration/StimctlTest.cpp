@@ -150,9 +150,10 @@ TEST_F(Stimctl, RefusesWithOneLineAndItsStatus)
     std::vector<std::unique_ptr<ChildProcess>> runs;
     for (const auto& refusal : refusals)
         runs.emplace_back(new ChildProcess(L"stimctl.exe", withFiles(refusal.arguments, folder)));
-    for (const auto& refusal : refusals)
+    for (size_t i = 0; i < runs.size(); ++i)
     {
-        const Outcome outcome = runs[&refusal - refusals]->finish();
+        const auto& refusal = refusals[i];
+        const Outcome outcome = runs[i]->finish();
         SCOPED_TRACE(refusal.reason);
         EXPECT_EQ(outcome.status, refusal.status);
         EXPECT_EQ(lineCount(outcome.err), 1u) << outcome.err;
@@ -168,9 +169,10 @@ TEST_F(Stimctl, HelpAndTheDeviceReports)
     std::vector<std::unique_ptr<ChildProcess>> runs;
     for (const std::string& command : commands)
         runs.emplace_back(new ChildProcess(L"stimctl.exe", std::wstring(command.begin(), command.end()) + L" --help"));
-    for (const std::string& command : commands)
+    for (size_t i = 0; i < runs.size(); ++i)
     {
-        const Outcome outcome = runs[&command - commands.data()]->finish();
+        const std::string& command = commands[i];
+        const Outcome outcome = runs[i]->finish();
         EXPECT_EQ(outcome.status, 0u) << command;
         EXPECT_EQ(outcome.out.rfind("usage: stimctl " + (command.empty() ? "COMMAND" : command), 0), 0u) << outcome.out;
         EXPECT_EQ(outcome.err, "") << command;
