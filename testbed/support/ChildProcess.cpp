@@ -1,58 +1,29 @@
 #include "ChildProcess.h"
 
 #include <algorithm>
-#include <mutex>
-#include <string>
-#include <thread>
+#include <fstream>
+#include <iterator>
 
 namespace dsty_test
 {
-// A pipe end the child writes into, drained by a thread of ours so the child never blocks.
-class ChildProcess::Drain
-{
-public:
-    explicit Drain(HANDLE& childEnd)
-    {
-        SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-        CreatePipe(&m_read, &childEnd, &inherit, 0);
-        SetHandleInformation(m_read, HANDLE_FLAG_INHERIT, 0);
-    }
-    ~Drain()
-    {
-        if (m_reader.joinable())
-            m_reader.join();
-        CloseHandle(m_read);
-    }
-    void start()
-    {
-        m_reader = std::thread([this] {
-            char chunk[512];
-            DWORD got = 0;
-            while (ReadFile(m_read, chunk, sizeof chunk, &got, nullptr) && got > 0)
-            {
-                std::lock_guard<std::mutex> hold(m_lock);
-                m_text.append(chunk, got);
-            }
-        });
-    }
-    std::string text()
-    {
-        std::lock_guard<std::mutex> hold(m_lock);
-        return m_text;
-    }
-    void finish() { m_reader.join(); }
-
-private:
-    HANDLE m_read = nullptr;
-    std::thread m_reader;
-    std::mutex m_lock;
-    std::string m_text;
-};
-
 namespace
 {
-std::string withoutCarriageReturns(std::string text)
+// A fresh temporary file and a handle the child can inherit to write into it.
+HANDLE scratchWriter(std::wstring& path)
 {
+    wchar_t folder[MAX_PATH], name[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    GetTempFileNameW(folder, L"out", 0, name);
+    path = name;
+    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+    return CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit, CREATE_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+std::string textOf(const std::wstring& path)
+{
+    std::ifstream file(path.c_str(), std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
     return text;
 }
@@ -67,63 +38,49 @@ std::wstring folderOfThisProgram()
 }
 
 ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& arguments)
-    : m_out(new Drain(m_childOut)), m_err(new Drain(m_childErr))
 {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = m_childOut;
-    start.hStdError = m_childErr;
+    start.hStdOutput = scratchWriter(m_outPath);
+    start.hStdError = scratchWriter(m_errPath);
+    std::wstring line = L"\"" + folderOfThisProgram() + program + L"\" " + arguments;
     // Under Wine a start now and then fails while other processes come and go; try again.
-    for (int attempt = 0; attempt < 5 && !m_started; attempt++)
-    {
-        std::wstring line = L"\"" + folderOfThisProgram() + program + L"\" " + arguments;
+    for (int attempt = 0; attempt < 5 && !m_started; attempt++, Sleep(m_started ? 0 : 100))
         m_started = CreateProcessW(nullptr, &line[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &m_process);
-        if (!m_started)
-        {
-            m_startError = GetLastError();
-            Sleep(100);
-        }
-    }
-    CloseHandle(m_childOut);
-    CloseHandle(m_childErr);
-    m_out->start();
-    m_err->start();
+    CloseHandle(start.hStdOutput);
+    CloseHandle(start.hStdError);
 }
 
 ChildProcess::~ChildProcess()
 {
-    if (!m_started)
-        return;
-    if (WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT)
-        TerminateProcess(m_process.hProcess, 99);
-    CloseHandle(m_process.hThread);
-    CloseHandle(m_process.hProcess);
+    if (m_started)
+    {
+        TerminateProcess(m_process.hProcess, 99);  // no effect on a program that has ended
+        WaitForSingleObject(m_process.hProcess, 5000);
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    DeleteFileW(m_outPath.c_str());
+    DeleteFileW(m_errPath.c_str());
 }
 
 bool ChildProcess::awaitOutput(const std::string& text, DWORD timeoutMs)
 {
     for (DWORD waited = 0; waited < timeoutMs; waited += 20, Sleep(20))
-        if (m_out->text().find(text) != std::string::npos)
+        if (textOf(m_outPath).find(text) != std::string::npos)
             return true;
     return false;
 }
 
 Outcome ChildProcess::finish(DWORD timeoutMs)
 {
-    Outcome outcome{9999, "", ""};
-    if (!m_started)
-    {
-        outcome.err = "could not start: error " + std::to_string(m_startError);
-        return outcome;
-    }
-    if (WaitForSingleObject(m_process.hProcess, timeoutMs) != WAIT_OBJECT_0)
+    Outcome outcome{9999, "", m_started ? "" : "could not start"};
+    if (!m_started || WaitForSingleObject(m_process.hProcess, timeoutMs) != WAIT_OBJECT_0)
         return outcome;
     GetExitCodeProcess(m_process.hProcess, &outcome.status);
-    m_out->finish();
-    m_err->finish();
-    outcome.out = withoutCarriageReturns(m_out->text());
-    outcome.err = withoutCarriageReturns(m_err->text());
+    outcome.out = textOf(m_outPath);
+    outcome.err = textOf(m_errPath);
     return outcome;
 }
 }

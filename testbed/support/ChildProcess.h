@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 
 namespace dsty_test
@@ -28,12 +27,10 @@ public:
     Outcome finish(DWORD timeoutMs = 60000);
 
 private:
-    class Drain;
-    HANDLE m_childOut = nullptr, m_childErr = nullptr;
-    std::unique_ptr<Drain> m_out, m_err;
+    // The child writes into files, so it never waits for a reader.
+    std::wstring m_outPath, m_errPath;
     PROCESS_INFORMATION m_process{};
     BOOL m_started = FALSE;
-    DWORD m_startError = 0;
 };
 
 // The folder the running test program is in, with a trailing separator.

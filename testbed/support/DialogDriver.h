@@ -5,13 +5,13 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace dsty_test
 {
-// A visible top-level window of this process with exactly this caption; null after the timeout.
+// A visible top-level window of this process with this caption (in any letter case); null after
+// the timeout.
 HWND waitForWindow(const std::wstring& caption, DWORD timeoutMs = 5000);
 // True once `window` no longer exists.
 bool waitUntilGone(HWND window, DWORD timeoutMs = 5000);
@@ -28,8 +28,4 @@ std::wstring windowText(HWND window);
 bool isControlEnabled(HWND dialog, int id);
 // Presses the button `id` (IDOK, IDCANCEL or any push button) by posting its BN_CLICKED.
 bool pressButton(HWND dialog, int id);
-
-// Waits for a message box with this caption, answers it with IDOK, IDYES, IDNO or IDCANCEL
-// and gives its text; nothing when no such box showed up in time.
-std::optional<std::wstring> answerMessageBox(const std::wstring& caption, int answer, DWORD timeoutMs = 5000);
 }

@@ -2,20 +2,61 @@
 // checked, and whose sound is recorded back through the loopback.
 
 #include "ChildProcess.h"
-#include "DeviceHarness.h"
-#include "LoopbackRecorder.h"
-#include "SignalAnalysis.h"
-#include "ToneGenerator.h"
+#include "Loopback.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
+#include <iterator>
+#include <memory>
 
 using namespace dsty_test;
 
 namespace
 {
+Outcome stimctl(const std::wstring& arguments, DWORD timeoutMs = 60000)
+{
+    return ChildProcess(L"stimctl.exe", arguments).finish(timeoutMs);
+}
+
+size_t lineCount(const std::string& text)
+{
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// The canonical 44-byte header of a 44100 Hz PCM wave file holding `size` bytes.
+std::string waveHeader(size_t size, WORD channels, WORD bits)
+{
+    const DWORD rate = 44100, dataSize = static_cast<DWORD>(size), riff = 36 + dataSize, fmtSize = 16;
+    const DWORD byteRate = rate * channels * bits / 8;
+    const WORD align = static_cast<WORD>(channels * bits / 8), pcm = 1;
+    std::string header;
+    auto put = [&](const void* p, size_t n) { header.append(static_cast<const char*>(p), n); };
+    put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&fmtSize, 4), put(&pcm, 2), put(&channels, 2);
+    put(&rate, 4), put(&byteRate, 4), put(&align, 2), put(&bits, 2), put("data", 4), put(&dataSize, 4);
+    return header;
+}
+
+// Written here without the library.
+void writeWave(const std::wstring& path, const std::vector<int16_t>& samples, WORD channels, WORD bits)
+{
+    std::ofstream file(path.c_str(), std::ios::binary);
+    file << waveHeader(samples.size() * 2, channels, bits);
+    file.write(reinterpret_cast<const char*>(samples.data()), static_cast<std::streamsize>(samples.size() * 2));
+}
+
+// The samples of a 16-bit stereo wave file; none unless its header is the canonical one for
+// its size.
+std::vector<int16_t> readWave(const std::wstring& path)
+{
+    std::ifstream file(path.c_str(), std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (bytes.size() < 44 || bytes.compare(0, 44, waveHeader(bytes.size() - 44, 2, 16)) != 0)
+        return {};
+    const auto* samples = reinterpret_cast<const int16_t*>(bytes.data() + 44);
+    return std::vector<int16_t>(samples, samples + (bytes.size() - 44) / 2);
+}
+
 std::wstring scratchFolder()
 {
     wchar_t temp[MAX_PATH] = L"";
@@ -25,295 +66,198 @@ std::wstring scratchFolder()
     return folder;
 }
 
-// stimctl, started from beside this test program.
-class Stimctl : public ChildProcess
+// Replaces every {name} in `text` by the scratch file of that name.
+std::wstring withFiles(std::wstring text, const std::wstring& folder)
 {
-public:
-    explicit Stimctl(const std::wstring& arguments) : ChildProcess(L"stimctl.exe", arguments) {}
-};
-
-Outcome stimctl(const std::wstring& arguments)
-{
-    return Stimctl(arguments).finish();
+    for (size_t open; (open = text.find(L'{')) != std::wstring::npos;)
+    {
+        const size_t close = text.find(L'}', open);
+        text.replace(open, close - open + 1, folder + text.substr(open + 1, close - open - 1) + L".wav");
+    }
+    return text;
+}
 }
 
-size_t lineCount(const std::string& text)
-{
-    size_t lines = 0;
-    for (char c : text)
-        lines += c == '\n';
-    return lines;
-}
-
-// A canonical 44-byte-header wave file, written here without the library.
-void writeWave(const std::wstring& path, const std::vector<char>& data, WORD channels, WORD bits)
-{
-    const DWORD rate = 44100, size = static_cast<DWORD>(data.size());
-    const WORD align = static_cast<WORD>(channels * bits / 8);
-    const DWORD riff = 36 + size, fmtSize = 16, byteRate = rate * align;
-    const WORD pcm = 1;
-    std::ofstream file(path.c_str(), std::ios::binary);
-    auto put = [&](const void* p, size_t n) { file.write(static_cast<const char*>(p), static_cast<std::streamsize>(n)); };
-    put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&fmtSize, 4), put(&pcm, 2), put(&channels, 2);
-    put(&rate, 4), put(&byteRate, 4), put(&align, 2), put(&bits, 2), put("data", 4), put(&size, 4);
-    put(data.data(), data.size());
-}
-
-std::vector<char> bytesOf(const std::vector<int16_t>& pcm)
-{
-    return std::vector<char>(reinterpret_cast<const char*>(pcm.data()), reinterpret_cast<const char*>(pcm.data() + pcm.size()));
-}
-
-struct WaveFile
-{
-    bool valid = false;
-    WAVEFORMATEX format{};
-    std::vector<int16_t> samples;
-};
-
-// Reads a canonical wave file; valid only when its header's sizes agree with the file.
-WaveFile readWave(const std::wstring& path)
-{
-    WaveFile wave;
-    std::ifstream file(path.c_str(), std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (bytes.size() < 44 || std::memcmp(bytes.data(), "RIFF", 4) != 0 || std::memcmp(bytes.data() + 8, "WAVEfmt ", 8) != 0 ||
-        std::memcmp(bytes.data() + 36, "data", 4) != 0)
-        return wave;
-    DWORD riff = 0, fmtSize = 0, dataSize = 0;
-    std::memcpy(&riff, bytes.data() + 4, 4);
-    std::memcpy(&fmtSize, bytes.data() + 16, 4);
-    std::memcpy(&wave.format, bytes.data() + 20, 16);
-    std::memcpy(&dataSize, bytes.data() + 40, 4);
-    wave.valid = riff == bytes.size() - 8 && fmtSize == 16 && dataSize == bytes.size() - 44;
-    wave.samples.resize(dataSize / 2);
-    std::memcpy(wave.samples.data(), bytes.data() + 44, wave.samples.size() * 2);
-    return wave;
-}
-
-constexpr unsigned kRate = 44100;
-}
-
-class StimctlRun : public ::testing::Test
+class Stimctl : public Loopback
 {
 protected:
     void SetUp() override
     {
+        Loopback::SetUp();
         folder = scratchFolder();
-        good = folder + L"tone500.wav";
-        writeWave(good, bytesOf(sineTone(500.0, -6.0, 0.4, kRate, ToneChannels::Both)), 2, 16);
+        writeWave(folder + L"tone.wav", sineTone(500.0, -6.0, 0.4, kRate, ToneChannels::Both), 2, 16);
     }
 
-    // Records the loopback while `run` runs stimctl; gives interleaved stereo frames.
-    std::vector<int16_t> hear(const std::wstring& arguments, Outcome& outcome)
+    // Runs stimctl while the loopback records; what was heard lands in `heard`.
+    Outcome hear(const std::wstring& arguments)
     {
-        LoopbackRecorder recorder;
-        EXPECT_TRUE(recorder.start());
-        outcome = stimctl(arguments);
+        startRecording();
+        const Outcome outcome = stimctl(withFiles(arguments, folder));
         Sleep(200);
-        recorder.stop();
-        return recorder.samples();
+        finishRecording();
+        return outcome;
     }
 
-    // Seconds during which the loopback was louder than -30 dBFS, in 10 ms windows.
-    static double loudSeconds(const std::vector<int16_t>& heard)
+    // Seconds during which the loopback was louder than -30 dBFS on either side, in 10 ms windows.
+    double loudSeconds() const
     {
-        const std::vector<double> levels = rmsSeries(view(heard, 2), 0, kRate / 100);
-        return 0.01 * static_cast<double>(std::count_if(levels.begin(), levels.end(), [](double db) { return db > -30.0; }));
+        const std::vector<double> left = rmsSeries(view(heard, 2), 0, kRate / 100);
+        const std::vector<double> right = rmsSeries(view(heard, 2), 1, kRate / 100);
+        size_t loud = 0;
+        for (size_t i = 0; i < left.size(); ++i)
+            loud += std::max(left[i], right[i]) > -30.0;
+        return 0.01 * static_cast<double>(loud);
     }
 
-    // Left minus right level over the middle of what was heard, dB.
-    static double leftOverRight(const std::vector<int16_t>& heard, double fromSeconds, double seconds)
-    {
-        const PcmView all = view(heard, 2);
-        const long long onset = onsetFrame(all, -40.0);
-        EXPECT_GE(onset, 0) << "nothing was heard";
-        const PcmView part = slice(all, static_cast<size_t>(onset < 0 ? 0 : onset) + static_cast<size_t>(fromSeconds * kRate),
-                                   static_cast<size_t>(seconds * kRate));
-        return rmsDbfs(part, 0) - rmsDbfs(part, 1);
-    }
-
-    std::wstring folder, good;
+    std::wstring folder;
 };
 
-// ---------------------------------------------------------------------------
-// Wrong arguments and failing files: a non-zero status and one line saying why.
-
-struct Refusal
+// Wrong arguments and failing files: a non-zero status and one line saying why; usage
+// mistakes (status 2) point to --help.
+TEST_F(Stimctl, RefusesWithOneLineAndItsStatus)
 {
-    const char* name;
-    const wchar_t* arguments;  // {good}, {folder}: replaced by the test's files
-    DWORD status;
-    const char* reason;
-};
-
-class StimctlRefuses : public StimctlRun, public ::testing::WithParamInterface<Refusal>
-{
-};
-
-TEST_P(StimctlRefuses, WithOneLineAndItsStatus)
-{
-    std::wstring arguments = GetParam().arguments;
-    for (const auto& [token, value] : {std::make_pair(std::wstring(L"{good}"), good), std::make_pair(std::wstring(L"{folder}"), folder)})
-        for (size_t at; (at = arguments.find(token)) != std::wstring::npos;)
-            arguments.replace(at, token.size(), value);
-    writeWave(folder + L"deep.wav", std::vector<char>(600, 0), 2, 24);
+    writeWave(folder + L"deep.wav", std::vector<int16_t>(300, 0), 2, 24);
     std::ofstream((folder + L"text.wav").c_str()) << "not a wave file at all\n";
-
-    const Outcome outcome = stimctl(arguments);
-    EXPECT_EQ(outcome.status, GetParam().status);
-    EXPECT_EQ(lineCount(outcome.err), 1u) << outcome.err;
-    EXPECT_NE(outcome.err.find(GetParam().reason), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.err.find("--help") != std::string::npos, GetParam().status == 2) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
+    // {name} in the arguments stands for the scratch file name.wav.
+    const struct { const wchar_t* arguments; DWORD status; const char* reason; } refusals[] = {
+        {L"", 2, "no command"},
+        {L"frobnicate", 2, "unknown command \"frobnicate\""},
+        {L"play", 2, "no wave file"},
+        {L"play {missing}", 1, "cannot be opened"},
+        {L"play {text}", 1, "Not a RIFF wave file"},
+        {L"play {deep}", 1, "24-bit sound cannot be played"},
+        {L"play {tone} --loop soon", 2, "--loop must be a number"},
+        {L"play {tone} --loop 0", 2, "--loop must be from"},
+        {L"play {tone} --pan up", 2, "--pan must be left|right|centre"},
+        {L"play {tone} --3d 1,2", 2, "three numbers"},
+        {L"play {tone} --move 1,0,0", 2, "--move needs --3d"},
+        {L"play {tone} --3d 1,0,0 --pan left", 2, "cannot be combined"},
+        {L"play {tone} --stream --pan left", 2, "--stream cannot be combined"},
+        {L"play {tone} --volume 3", 2, "unknown option --volume"},
+        {L"play {tone} --loop", 2, "--loop needs a value"},
+        {L"tone 1000", 2, "no length"},
+        {L"tone 0x100 1", 2, "HZ must be a number"},
+        {L"tone 1000 -1", 2, "SECONDS must be from"},
+        {L"tone 1000 1 2", 2, "unexpected argument 2"},
+        {L"record {r}", 2, "either --seconds or --bytes"},
+        {L"record {r} --seconds 1 --bytes 400", 2, "either"},
+        {L"record {r} --seconds 100", 2, "--seconds must be from"},
+        {L"record {r} --bytes 1e3", 2, "whole number"},
+        {L"record {no\\such\\folder} --bytes 4000", 1, "cannot be opened"},
+        {L"playrec {tone}", 2, "no output file"},
+    };
+    // All at once: none of them reaches the sound device.
+    std::vector<std::unique_ptr<ChildProcess>> runs;
+    for (const auto& refusal : refusals)
+        runs.emplace_back(new ChildProcess(L"stimctl.exe", withFiles(refusal.arguments, folder)));
+    for (size_t i = 0; i < runs.size(); ++i)
+    {
+        const auto& refusal = refusals[i];
+        const Outcome outcome = runs[i]->finish();
+        SCOPED_TRACE(refusal.reason);
+        EXPECT_EQ(outcome.status, refusal.status);
+        EXPECT_EQ(lineCount(outcome.err), 1u) << outcome.err;
+        EXPECT_NE(outcome.err.find(refusal.reason), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.err.find("--help") != std::string::npos, refusal.status == 2) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, StimctlRefuses,
-    ::testing::Values(Refusal{"NoCommand", L"", 2, "no command"},
-                      Refusal{"UnknownCommand", L"frobnicate", 2, "unknown command \"frobnicate\""},
-                      Refusal{"PlayNoFile", L"play", 2, "no wave file"},
-                      Refusal{"PlayMissingFile", L"play {folder}missing.wav", 1, "cannot be opened"},
-                      Refusal{"PlayTextFile", L"play {folder}text.wav", 1, "Not a RIFF wave file"},
-                      Refusal{"Play24Bit", L"play {folder}deep.wav", 1, "24-bit sound cannot be played"},
-                      Refusal{"PlayLoopNotANumber", L"play {good} --loop soon", 2, "--loop must be a number"},
-                      Refusal{"PlayLoopZero", L"play {good} --loop 0", 2, "--loop must be from"},
-                      Refusal{"PlayPanUp", L"play {good} --pan up", 2, "--pan must be left|right|centre"},
-                      Refusal{"PlayTwoCoordinates", L"play {good} --3d 1,2", 2, "three numbers"},
-                      Refusal{"PlayMoveAlone", L"play {good} --move 1,0,0", 2, "--move needs --3d"},
-                      Refusal{"Play3DPanned", L"play {good} --3d 1,0,0 --pan left", 2, "cannot be combined"},
-                      Refusal{"PlayUnknownOption", L"play {good} --volume 3", 2, "unknown option --volume"},
-                      Refusal{"PlayOptionWithoutValue", L"play {good} --loop", 2, "--loop needs a value"},
-                      Refusal{"ToneNoLength", L"tone 1000", 2, "no length"},
-                      Refusal{"ToneHexFrequency", L"tone 0x100 1", 2, "HZ must be a number"},
-                      Refusal{"ToneNegativeLength", L"tone 1000 -1", 2, "SECONDS must be from"},
-                      Refusal{"ToneExtraArgument", L"tone 1000 1 2", 2, "unexpected argument 2"},
-                      Refusal{"RecordNoLength", L"record {folder}r.wav", 2, "either --seconds or --bytes"},
-                      Refusal{"RecordBothLengths", L"record {folder}r.wav --seconds 1 --bytes 400", 2, "either"},
-                      Refusal{"RecordTooLong", L"record {folder}r.wav --seconds 100", 2, "--seconds must be from"},
-                      Refusal{"RecordBytesNotWhole", L"record {folder}r.wav --bytes 1e3", 2, "whole number"},
-                      Refusal{"RecordNowhere", L"record {folder}no\\such\\folder.wav --bytes 4000", 1, "cannot be opened"},
-                      Refusal{"PlayrecNoOutput", L"playrec {good}", 2, "no output file"}),
-    [](const ::testing::TestParamInfo<Refusal>& info) { return std::string(info.param.name); });
-
-// ---------------------------------------------------------------------------
-// Help and the device reports.
-
-class StimctlHelp : public StimctlRun, public ::testing::WithParamInterface<const char*>
+TEST_F(Stimctl, HelpAndTheDeviceReports)
 {
-};
+    const std::vector<std::string> commands = {"", "devices", "caps", "play", "tone", "record", "playrec"};
+    std::vector<std::unique_ptr<ChildProcess>> runs;
+    for (const std::string& command : commands)
+        runs.emplace_back(new ChildProcess(L"stimctl.exe", std::wstring(command.begin(), command.end()) + L" --help"));
+    for (size_t i = 0; i < runs.size(); ++i)
+    {
+        const std::string& command = commands[i];
+        const Outcome outcome = runs[i]->finish();
+        EXPECT_EQ(outcome.status, 0u) << command;
+        EXPECT_EQ(outcome.out.rfind("usage: stimctl " + (command.empty() ? "COMMAND" : command), 0), 0u) << outcome.out;
+        EXPECT_EQ(outcome.err, "") << command;
+    }
 
-TEST_P(StimctlHelp, PrintsItsUsageAndSucceeds)
-{
-    const std::string command = GetParam();
-    const Outcome outcome = stimctl(std::wstring(command.begin(), command.end()) + L" --help");
-    EXPECT_EQ(outcome.status, 0u);
-    EXPECT_EQ(outcome.out.rfind("usage: stimctl " + (command.empty() ? "COMMAND" : command), 0), 0u) << outcome.out;
-    EXPECT_EQ(outcome.err, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(Commands, StimctlHelp,
-                         ::testing::Values("", "devices", "caps", "play", "tone", "record", "playrec"),
-                         [](const ::testing::TestParamInfo<const char*>& info) {
-                             return *info.param ? std::string(info.param) : std::string("stimctl");
-                         });
-
-TEST_F(StimctlRun, DevicesListsADefaultPlaybackAndACaptureDevice)
-{
-    const Outcome outcome = stimctl(L"devices");
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
+    const Outcome devices = stimctl(L"devices");
+    ASSERT_EQ(devices.status, 0u) << devices.err;
     int playback = 0, capture = 0;
-    ASSERT_EQ(std::sscanf(outcome.out.c_str(), "playback devices: %d", &playback), 1) << outcome.out;
-    const size_t captureAt = outcome.out.find("capture devices: ");
-    ASSERT_NE(captureAt, std::string::npos);
-    std::sscanf(outcome.out.c_str() + captureAt, "capture devices: %d", &capture);
+    const size_t captureAt = devices.out.find("capture devices: ");
+    ASSERT_EQ(std::sscanf(devices.out.c_str(), "playback devices: %d", &playback), 1) << devices.out;
+    ASSERT_NE(captureAt, std::string::npos) << devices.out;
+    std::sscanf(devices.out.c_str() + captureAt, "capture devices: %d", &capture);
     EXPECT_GE(playback, 1);
     EXPECT_GE(capture, 1);
-    EXPECT_LT(outcome.out.find(" default "), captureAt) << "no default playback device";
-    EXPECT_EQ(lineCount(outcome.out), static_cast<size_t>(playback + capture + 2));
-}
+    EXPECT_LT(devices.out.find(" default "), captureAt) << "no default playback device";
+    EXPECT_EQ(lineCount(devices.out), static_cast<size_t>(playback + capture + 2));
 
-TEST_F(StimctlRun, CapsReportsPlaybackAndTheCaptureFormat)
-{
-    const Outcome outcome = stimctl(L"caps");
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_NE(outcome.out.find("secondary rates 100..200000 Hz"), std::string::npos) << outcome.out;
-    EXPECT_NE(outcome.out.find("capture default format: 44100 Hz, 2 channels, 16 bits"), std::string::npos);
-    EXPECT_EQ(outcome.err, "");
+    const Outcome caps = stimctl(L"caps");
+    ASSERT_EQ(caps.status, 0u) << caps.err;
+    EXPECT_NE(caps.out.find("secondary rates 100..200000 Hz"), std::string::npos) << caps.out;
+    EXPECT_NE(caps.out.find("capture default format: 44100 Hz, 2 channels, 16 bits"), std::string::npos);
 }
 
 // A box would wait for a click that never comes; the message is printed instead.
-TEST_F(StimctlRun, LibraryMessagesArePrintedNotShown)
+TEST_F(Stimctl, LibraryMessagesArePrintedNotShown)
 {
-    const std::wstring tiny = folder + L"tiny.wav";
-    writeWave(tiny, std::vector<char>{0, 16}, 1, 16);
-    const Outcome outcome = Stimctl(L"play " + tiny).finish(10000);
+    writeWave(folder + L"tiny.wav", {4096}, 1, 16);
+    const Outcome outcome = stimctl(withFiles(L"play {tiny}", folder), 10000);
     EXPECT_EQ(outcome.status, 0u);
     EXPECT_EQ(outcome.err, "stimctl: The set play buffer is too small\n");
 }
 
-// ---------------------------------------------------------------------------
-// What plays is heard, once, looped, on one side or from a place.
-
-TEST_F(StimctlRun, ToneIsHeardAtItsPitchLevelAndLengthWithProgress)
+// What is heard: for how long, on which side, and for the tone at which pitch and level.
+TEST_F(Stimctl, PlaysAsAsked)
 {
-    Outcome outcome;
-    const auto heard = hear(L"tone 1000 1.5", outcome);
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_NE(outcome.out.find("playing 1/1.5 s\n"), std::string::npos) << outcome.out;
-    const PcmView all = view(heard, 2);
-    const PcmView steady = slice(all, static_cast<size_t>(std::max(0LL, onsetFrame(all, -40.0))) + kRate / 2, kRate / 2);
-    for (unsigned channel : {0u, 1u})
-    {
-        EXPECT_NEAR(dominantFrequency(steady, channel, kRate), 1000.0, 5.0);
-        EXPECT_NEAR(rmsDbfs(steady, channel), -6.0, 3.0);
-    }
-    EXPECT_NEAR(loudSeconds(heard), 1.5, 0.1);
-}
-
-TEST_F(StimctlRun, FilePlaysOnceOrLoopsForTheGivenTime)
-{
-    Outcome once, looped;
-    EXPECT_NEAR(loudSeconds(hear(L"play " + good, once)), 0.4, 0.05);
-    EXPECT_EQ(once.status, 0u) << once.err;
-    EXPECT_NEAR(loudSeconds(hear(L"play " + good + L" --loop 1.2", looped)), 1.2, 0.1);
-    EXPECT_EQ(looped.status, 0u) << looped.err;
-    EXPECT_NE(looped.out.find("playing 1/1.2 s"), std::string::npos) << looped.out;
-}
-
-TEST_F(StimctlRun, PanAndPlaceDecideTheSideItIsHeardOn)
-{
-    const auto balance = [&](const std::wstring& options) {
-        Outcome outcome;
-        const double leftOverRightDb = leftOverRight(hear(L"play " + good + L" " + options, outcome), 0.1, 0.2);
-        EXPECT_EQ(outcome.status, 0u) << outcome.err;
-        return leftOverRightDb;
+    writeSteppedTone(folder + L"steps.wav");
+    // Output: what standard output holds. At least, at most: left minus right from 0.1 s after
+    // the first sound, dB.
+    const struct { const wchar_t* arguments; const char* output; double loudSeconds, atLeast, atMost; } plays[] = {
+        {L"tone 1000 1.5", "playing 1/1.5 s\n", 1.5, -1.0, 1.0},
+        {L"play {tone}", "played\n", 0.4, -1.0, 1.0},
+        {L"play {tone} --loop 1.2", "playing 1/1.2 s", 1.2, -1.0, 1.0},
+        {L"play {tone} --pan left", "played\n", 0.4, 20.0, 300.0},
+        {L"play {tone} --pan right", "played\n", 0.4, -300.0, -20.0},
+        {L"play {tone} --pan centre", "played\n", 0.4, -1.0, 1.0},
+        {L"play {tone} --3d 5,0,0", "played\n", 0.4, -300.0, -10.0},
+        {L"play {steps} --stream", "streaming 3/3.5 s\nplayed\n", 3.5, -1.0, 1.0},
     };
-    EXPECT_GT(balance(L"--pan left"), 20.0);
-    EXPECT_LT(balance(L"--pan right"), -20.0);
-    EXPECT_NEAR(balance(L"--pan centre"), 0.0, 1.0);
-    EXPECT_LT(balance(L"--3d 5,0,0"), -10.0);
+    for (const auto& play : plays)
+    {
+        const Outcome outcome = hear(play.arguments);
+        const std::wstring arguments(play.arguments);
+        SCOPED_TRACE(std::string(arguments.begin(), arguments.end()));
+        ASSERT_EQ(outcome.status, 0u) << outcome.err;
+        EXPECT_NE(outcome.out.find(play.output), std::string::npos) << outcome.out;
+        EXPECT_NEAR(loudSeconds(), play.loudSeconds, 0.1);
+        const double balance = leftMinusRightDb(heardAt(0.1, 0.2));
+        EXPECT_GE(balance, play.atLeast);
+        EXPECT_LE(balance, play.atMost);
+        if (arguments.rfind(L"tone", 0) == 0)
+            for (unsigned channel : {0u, 1u})
+            {
+                EXPECT_NEAR(toneFrequency(heardAt(0.5, 0.5), channel), 1000.0, 5.0);
+                EXPECT_NEAR(rmsDbfs(heardAt(0.5, 0.5), channel), -6.0, 3.0);
+            }
+        if (arguments.find(L"--stream") != std::wstring::npos)
+            expectSteps();
+    }
 }
 
-TEST_F(StimctlRun, MovingSourceCrossesFromLeftToRight)
+TEST_F(Stimctl, MovingSourceCrossesFromLeftToRight)
 {
-    const std::wstring second = folder + L"second.wav";
-    writeWave(second, bytesOf(sineTone(500.0, -6.0, 1.0, kRate, ToneChannels::Mono)), 1, 16);
-    Outcome outcome;
-    const auto heard = hear(L"play " + second + L" --3d -5,0,1 --move 10,0,0", outcome);
+    writeWave(folder + L"second.wav", sineTone(500.0, -6.0, 1.0, kRate, ToneChannels::Mono), 1, 16);
+    const Outcome outcome = hear(L"play {second} --3d -5,0,1 --move 10,0,0");
     ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_GT(leftOverRight(heard, 0.0, 0.2), 6.0);
-    EXPECT_LT(leftOverRight(heard, 0.8, 0.2), -6.0);
+    EXPECT_GT(leftMinusRightDb(heardAt(0.0, 0.2)), 6.0);
+    EXPECT_LT(leftMinusRightDb(heardAt(0.8, 0.2)), -6.0);
 }
 
-// ---------------------------------------------------------------------------
-// Recording: a valid wave file of the asked length that holds what played meanwhile.
-
-TEST_F(StimctlRun, RecordWhileATonePlaysWritesItToAValidWaveFile)
+// Recording by time while a tone plays: a valid wave file of the asked length holding the tone.
+TEST_F(Stimctl, RecordWhileATonePlaysWritesItToAValidWaveFile)
 {
     const std::wstring out = folder + L"recorded.wav";
     DeleteFileW(out.c_str());
-    Stimctl recording(L"record " + out + L" --seconds 2");
+    ChildProcess recording(L"stimctl.exe", L"record " + out + L" --seconds 2");
     ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
     const Outcome tone = stimctl(L"tone 1000 0.5");
     const Outcome outcome = recording.finish();
@@ -322,32 +266,21 @@ TEST_F(StimctlRun, RecordWhileATonePlaysWritesItToAValidWaveFile)
     EXPECT_NE(outcome.out.find("recording 1/2 s\nrecording 2/2 s\n"), std::string::npos) << outcome.out;
     EXPECT_NE(outcome.out.find("recorded 2.000 s (352800 bytes)"), std::string::npos) << outcome.out;
 
-    const WaveFile wave = readWave(out);
-    ASSERT_TRUE(wave.valid) << "the header's sizes disagree with the file";
-    EXPECT_TRUE(sameFormat(wave.format, pcmFormat(kRate, 2)));
-    ASSERT_EQ(wave.samples.size() * 2, 352800u);
-    const PcmView all = view(wave.samples, 2);
-    const long long onset = onsetFrame(all, -40.0);
-    ASSERT_GE(onset, 0) << "the tone is not in the recording";
-    const PcmView steady = slice(all, static_cast<size_t>(onset) + kRate / 10, kRate / 4);
+    heard = readWave(out);
+    ASSERT_EQ(heard.size() * 2, 352800u) << "not a 2 s 44100 Hz 16-bit stereo wave file whose sizes agree";
+    const PcmView steady = heardAt(0.1, 0.25);
     EXPECT_NEAR(dominantFrequency(steady, 0, kRate), 1000.0, 5.0);
     EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
 }
 
-TEST_F(StimctlRun, RecordByBytesKeepsWholeFrames)
+// Recording by size keeps whole frames; playrec reports what it heard and keeps it.
+TEST_F(Stimctl, RecordBySizeAndPlayrec)
 {
-    const std::wstring out = folder + L"bytes.wav";
-    const Outcome outcome = stimctl(L"record " + out + L" --bytes 10001");
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    const WaveFile wave = readWave(out);
-    EXPECT_TRUE(wave.valid);
-    EXPECT_EQ(wave.samples.size() * 2, 10000u);
-}
+    const Outcome bytes = stimctl(withFiles(L"record {bytes} --bytes 10001", folder));
+    ASSERT_EQ(bytes.status, 0u) << bytes.err;
+    EXPECT_EQ(readWave(folder + L"bytes.wav").size() * 2, 10000u);
 
-TEST_F(StimctlRun, PlayrecMeasuresWhatItPlayed)
-{
-    const std::wstring out = folder + L"playrec.wav";
-    const Outcome outcome = stimctl(L"playrec " + good + L" " + out + L" --pad 0.3");
+    const Outcome outcome = stimctl(withFiles(L"playrec {tone} {playrec} --pad 0.3", folder));
     ASSERT_EQ(outcome.status, 0u) << outcome.err;
     double leftPeak = 0.0, rightPeak = 0.0, rms = 0.0, onsetMs = -1.0;
     const size_t left = outcome.out.find("level left:"), right = outcome.out.find("level right:"),
@@ -361,8 +294,6 @@ TEST_F(StimctlRun, PlayrecMeasuresWhatItPlayed)
     EXPECT_NEAR(rms, -9.0, 1.0);
     EXPECT_GT(onsetMs, 0.0);
     EXPECT_LT(onsetMs, 300.0);
-    std::printf("[ measure  ] playrec onset %.1f ms after the play call\n", onsetMs);
-    const WaveFile wave = readWave(out);
-    EXPECT_TRUE(wave.valid);
-    EXPECT_GT(wave.samples.size() / 2, static_cast<size_t>(0.7 * kRate)) << "shorter than the sound and the pad";
+    EXPECT_GT(readWave(folder + L"playrec.wav").size() / 2, static_cast<size_t>(0.7 * kRate))
+        << "shorter than the sound and the pad";
 }

@@ -1,429 +1,303 @@
 // The dialogs opened by a sound buffer: play controller, 3D parameters, 3D report, buffer
-// format and the basic sound maker, each opened by its buffer operation.
+// format and the basic sound maker, each opened by its buffer operation; and the stream player
+// a host shows for a buffer. What the dialog
+// shows is checked from the thread that drives it.
 
 #include "UiTestSupport.h"
 #include "SignalAnalysis.h"
-#include "ToneGenerator.h"
+#include "SndWaveWriteStreamty.h"
 
+#include <dlgs.h>
+
+#include <cstring>
+#include <atomic>
+#include <cwchar>
+#include <iterator>
 #include <memory>
+#include <thread>
 
 using namespace dsty_test;
 
 namespace
 {
-const wchar_t kPlayCaption[] = L"Sound play controller";
 const wchar_t k3DCaption[] = L"Direct sound 3D buffer information";
-const wchar_t kConfigCaption[] = L"Sound Buffer Config";
-const wchar_t kBasicCaption[] = L"Sound Basic";
 
-std::wstring withNewlines(const std::wstring& text)
+// Whether the stream player's Exit, Open file, Play and Stop are enabled.
+std::string buttonStates(HWND dialog)
 {
-    std::wstring out;
-    for (size_t i = 0; i < text.size(); ++i)
-        if (text[i] != L'\r')
-            out += text[i];
-        else if (i + 1 >= text.size() || text[i + 1] != L'\n')
-            out += L'\n';
-    return out;
+    return DialogTest::enabled(dialog, {IDOK, IDC_BTN_STREAM_OPEN_FILE, IDC_BTN_STREAM_PLAY, IDC_BTN_STREAM_STOP});
 }
 
-// Waits for a control's text to become `want`; gives the last text seen.
-std::wstring waitForText(HWND dialog, int id, const std::wstring& want, DWORD timeoutMs = 3000)
+const char kIdle[] = "1100", kReady[] = "1110", kPlaying[] = "0001";
+
+bool becomes(HWND dialog, const std::string& states, DWORD timeoutMs)
 {
-    const DWORD start = GetTickCount();
-    std::wstring text = controlText(dialog, id);
-    while (text != want && GetTickCount() - start < timeoutMs)
-    {
+    for (DWORD waited = 0; buttonStates(dialog) != states && waited < timeoutMs; waited += 20)
         Sleep(20);
-        text = controlText(dialog, id);
-    }
-    return text;
+    return buttonStates(dialog) == states;
 }
 
-// Moves a trackbar as a user's drag would end: the position, then the parent's WM_HSCROLL.
-void dragSlider(HWND dialog, int id, int position)
+bool threadEnds(CWinThread* thread, DWORD timeoutMs)
 {
-    HWND slider = GetDlgItem(dialog, id);
-    SendMessageW(slider, TBM_SETPOS, TRUE, position);
-    PostMessageW(dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBPOSITION, 0), reinterpret_cast<LPARAM>(slider));
+    return thread != nullptr && WaitForSingleObject(thread->m_hThread, timeoutMs) == WAIT_OBJECT_0;
 }
 
-class TestBuffer : public CDirectSnd3DBuffty
+// Presses Open file and enters `file` in the system's file dialog.
+bool chooseFile(HWND player, const std::wstring& file)
 {
-public:
-    using CDirectSnd2DBuff::m_pDSBuffer;
-};
+    pressButton(player, IDC_BTN_STREAM_OPEN_FILE);
+    HWND open = waitForWindow(L"Open");
+    return open && setText(open, GetDlgItem(open, cmb13) ? cmb13 : edt1, file) && pressButton(open, IDOK) &&
+           waitUntilGone(open);
+}
 }
 
-class BufferDialogTest : public DialogTest
+// Only a 2D buffer can be panned. The controller opens on the buffer's pan, with the preset of
+// that pan checked, and writes nothing back to the buffer.
+TEST_F(DialogTest, PlayControllerOpensOnTheBuffersPanAndWritesNothingBack)
 {
-protected:
-    void SetUp() override
+    openDeviceWithTone(0.5);
+    // The pan is applied before opening.
+    const struct { bool threeD; int (CDirectSnd3DBuffty::*pan)(); std::vector<int> checked; const wchar_t* panShown; } rows[] = {
+        {false, &CDirectSnd3DBuffty::panCenter, {IDC_RADIO_PAN_CENTRE}, L"0"},
+        {false, &CDirectSnd3DBuffty::panMuteLeft, {}, L"10000"},
+        {true, nullptr, {}, L"0"},
+    };
+    for (const auto& row : rows)
     {
-        DialogTest::SetUp();
-        ASSERT_EQ(device.initDSndStimX(host, nullptr, DSSCL_PRIORITY), 1);
-        const std::vector<int16_t> tone = sineTone(1000.0, -6.0, 0.5);
-        ASSERT_EQ(data.setNewSndData(reinterpret_cast<const char*>(tone.data()),
-                                     static_cast<unsigned long>(tone.size() * 2), pcmFormat(44100, 1)), 1);
-    }
-    void TearDown() override
-    {
+        SCOPED_TRACE(row.panShown);
+        ASSERT_EQ(row.threeD ? buffer.setSndData2DS3Dbuff2(&data, &device) : buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
+        ASSERT_TRUE(!row.pan || (buffer.*row.pan)());
+        EXPECT_EQ(runDialog(L"Sound play controller", [&](HWND dialog) {
+            EXPECT_EQ(enabled(dialog, {IDC_SLIDER_PAN, IDC_SLIDER_VOLUME, IDC_SLIDER_FREQUENCY}), row.threeD ? "000" : "100");
+            EXPECT_EQ(checkedRadios(dialog, IDC_RADIO_PAN_LEFT, IDC_RADIO_PAN_RIGHT), row.checked);
+            EXPECT_EQ(texts(dialog, {IDC_EDIT_PAN_ORIGINAL, IDC_EDIT_PAN_NEW, IDC_EDIT_VOLUME_ORIGINAL, IDC_EDIT_VOLUME_NEW,
+                                     IDC_EDIT_FREQUENCY_ORIGINAL, IDC_EDIT_FREQUENCY_NEW}),
+                      (std::vector<std::wstring>{row.panShown, L"0", L"0", L"0", L"0", L"0"}));
+            EXPECT_EQ(SendMessageW(GetDlgItem(dialog, IDC_SLIDER_PAN), TBM_GETPOS, 0, 0), _wtoi(row.panShown));
+            shoot(dialog, L"CDlgSndPlayCtlty");
+            pressButton(dialog, IDOK);
+        }, [&] { return buffer.setSndPlayCtl(); }), 1);
+        LONG pan = 12345;
+        EXPECT_TRUE(row.threeD || (buffer.m_pDSBuffer->GetPan(&pan) == DS_OK && pan == _wtoi(row.panShown)))
+            << "the dialog never writes to the buffer";
         buffer.release3DBuffers();
-        DialogTest::TearDown();
     }
-
-    LONG pan()
-    {
-        LONG value = 12345;
-        EXPECT_EQ(buffer.m_pDSBuffer->GetPan(&value), DS_OK);
-        return value;
-    }
-
-    UiDevice device;
-    CSndDatatyx data;
-    TestBuffer buffer;
-};
-
-// ---------------------------------------------------------------------------
-// Play controller
-
-struct ControllerSeen
-{
-    bool panOn = false, volumeOn = true, frequencyOn = true;
-    std::vector<int> checked;
-    std::wstring panOriginal, panNew, volumeOriginal, volumeNew, frequencyOriginal, frequencyNew;
-};
-
-class PlayControllerDialog : public BufferDialogTest
-{
-protected:
-    int open(ControllerSeen& seen, const std::function<void(HWND)>& more)
-    {
-        return runDialog(kPlayCaption, [&](HWND dialog) {
-            seen.panOn = isControlEnabled(dialog, IDC_SLIDER_PAN);
-            seen.volumeOn = isControlEnabled(dialog, IDC_SLIDER_VOLUME);
-            seen.frequencyOn = isControlEnabled(dialog, IDC_SLIDER_FREQUENCY);
-            seen.checked = checkedRadios(dialog, IDC_RADIO_PAN_LEFT, IDC_RADIO_PAN_RIGHT);
-            seen.panOriginal = controlText(dialog, IDC_EDIT_PAN_ORIGINAL);
-            seen.panNew = controlText(dialog, IDC_EDIT_PAN_NEW);
-            seen.volumeOriginal = controlText(dialog, IDC_EDIT_VOLUME_ORIGINAL);
-            seen.volumeNew = controlText(dialog, IDC_EDIT_VOLUME_NEW);
-            seen.frequencyOriginal = controlText(dialog, IDC_EDIT_FREQUENCY_ORIGINAL);
-            seen.frequencyNew = controlText(dialog, IDC_EDIT_FREQUENCY_NEW);
-            more(dialog);
-        }, [&] { return buffer.setSndPlayCtl(); });
-    }
-};
-
-TEST_F(PlayControllerDialog, TwoDBufferOffersPanOnlyAndTheSlidersChangeOnlyTheNewFigure)
-{
-    ASSERT_EQ(buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
-    ControllerSeen seen;
-    std::wstring afterDrag, afterPreset;
-    LRESULT presetPosition = 0;
-    EXPECT_EQ(open(seen, [&](HWND dialog) {
-        dragSlider(dialog, IDC_SLIDER_PAN, -2500);
-        afterDrag = waitForText(dialog, IDC_EDIT_PAN_NEW, L"-2500");
-        pressButton(dialog, IDC_RADIO_PAN_RIGHT);
-        Sleep(200);
-        presetPosition = SendMessageW(GetDlgItem(dialog, IDC_SLIDER_PAN), TBM_GETPOS, 0, 0);
-        afterPreset = controlText(dialog, IDC_EDIT_PAN_NEW);
-        shoot(dialog, L"CDlgSndPlayCtlty");
-        pressButton(dialog, IDOK);
-    }), 1);
-
-    EXPECT_TRUE(seen.panOn);
-    EXPECT_FALSE(seen.volumeOn);
-    EXPECT_FALSE(seen.frequencyOn);
-    EXPECT_EQ(seen.checked, std::vector<int>{IDC_RADIO_PAN_CENTRE});
-    for (const std::wstring* figure : {&seen.panOriginal, &seen.panNew, &seen.volumeOriginal, &seen.volumeNew,
-                                       &seen.frequencyOriginal, &seen.frequencyNew})
-        EXPECT_EQ(*figure, L"0");
-    EXPECT_EQ(afterDrag, L"-2500");
-    EXPECT_EQ(presetPosition, 10000) << "Right moves the slider to full right";
-    EXPECT_EQ(afterPreset, L"-2500") << "a preset leaves the New figure for the next slider message";
-    EXPECT_EQ(pan(), 0) << "the dialog never writes to the buffer";
 }
 
-TEST_F(PlayControllerDialog, ABufferPannedAsideShowsItsPanWithNoPresetChecked)
+// Every edit box shows its own field of the working records and hands an entry back to that
+// field once a Doppler factor above ten has been refused (by the apply step and by the closing
+// exchange, so the prompt comes twice). The mode list opens on Normal whatever the mode.
+TEST_F(DialogTest, ThreeDParametersTakeBackEveryFieldAndTheReportShowsDirectSound)
 {
-    ASSERT_EQ(buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
-    ASSERT_EQ(buffer.panMuteLeft(), 1);
-    ControllerSeen seen;
-    LRESULT position = 0;
-    EXPECT_EQ(open(seen, [&](HWND dialog) {
-        position = SendMessageW(GetDlgItem(dialog, IDC_SLIDER_PAN), TBM_GETPOS, 0, 0);
-        pressButton(dialog, IDCANCEL);
-    }), 1);
-
-    EXPECT_EQ(seen.panOriginal, L"10000");
-    EXPECT_EQ(seen.panNew, L"0");
-    EXPECT_EQ(position, 10000);
-    EXPECT_TRUE(seen.checked.empty());
-    EXPECT_EQ(pan(), 10000);
-}
-
-TEST_F(PlayControllerDialog, ThreeDBufferHasEverySliderDisabled)
-{
+    openDeviceWithTone(0.5);
     ASSERT_EQ(buffer.setSndData2DS3Dbuff2(&data, &device), 1);
-    ControllerSeen seen;
-    EXPECT_EQ(open(seen, [&](HWND dialog) { pressButton(dialog, IDOK); }), 1);
-
-    EXPECT_FALSE(seen.panOn);
-    EXPECT_FALSE(seen.volumeOn);
-    EXPECT_FALSE(seen.frequencyOn);
-    EXPECT_TRUE(seen.checked.empty());
-    EXPECT_EQ(seen.panOriginal, L"0");
-    EXPECT_EQ(seen.frequencyOriginal, L"0");
-    EXPECT_TRUE(answeredBoxes().empty());
-}
-
-// ---------------------------------------------------------------------------
-// 3D parameters and 3D report
-
-class ThreeDDialogs : public BufferDialogTest
-{
-protected:
-    void SetUp() override
-    {
-        BufferDialogTest::SetUp();
-        ASSERT_EQ(buffer.setSndData2DS3Dbuff2(&data, &device), 1);
-    }
-};
-
-TEST_F(ThreeDDialogs, FieldsShowTheWorkingRecordsAndOkCommitsTheEditedOnes)
-{
     DS3DBUFFER& source = buffer.m_ds3dBuffer;
-    source.vPosition = {1.5f, -2.0f, 3.0f};
-    source.dwInsideConeAngle = 40;
-    source.lConeOutsideVolume = -300;
+    DS3DLISTENER& listener = buffer.m_ds3dListener;
+    const std::pair<int, float*> fields[] = {
+        {IDC_EDIT_DS3D_POS_X, &source.vPosition.x}, {IDC_EDIT_DS3D_POS_Y, &source.vPosition.y},
+        {IDC_EDIT_DS3D_POS_Z, &source.vPosition.z}, {IDC_EDIT_DS3D_VEL_X, &source.vVelocity.x},
+        {IDC_EDIT_DS3D_VEL_Y, &source.vVelocity.y}, {IDC_EDIT_DS3D_VEL_Z, &source.vVelocity.z},
+        {IDC_EDIT_DS3D_MAX_DISTANCE, &source.flMaxDistance}, {IDC_EDIT_DS3D_MIN_DISTANCE, &source.flMinDistance},
+        {IDC_EDIT_DS3D_CONE_X, &source.vConeOrientation.x}, {IDC_EDIT_DS3D_CONE_Y, &source.vConeOrientation.y},
+        {IDC_EDIT_DS3D_CONE_Z, &source.vConeOrientation.z}, {IDC_EDIT_LISTENER_POS_X, &listener.vPosition.x},
+        {IDC_EDIT_LISTENER_POS_Y, &listener.vPosition.y}, {IDC_EDIT_LISTENER_POS_Z, &listener.vPosition.z},
+        {IDC_EDIT_LISTENER_VEL_X, &listener.vVelocity.x}, {IDC_EDIT_LISTENER_VEL_Y, &listener.vVelocity.y},
+        {IDC_EDIT_LISTENER_VEL_Z, &listener.vVelocity.z}, {IDC_EDIT_LISTENER_ROLLOFF, &listener.flRolloffFactor},
+        {IDC_EDIT_LISTENER_FRONT_X, &listener.vOrientFront.x}, {IDC_EDIT_LISTENER_FRONT_Y, &listener.vOrientFront.y},
+        {IDC_EDIT_LISTENER_FRONT_Z, &listener.vOrientFront.z}, {IDC_EDIT_LISTENER_TOP_X, &listener.vOrientTop.x},
+        {IDC_EDIT_LISTENER_TOP_Y, &listener.vOrientTop.y}, {IDC_EDIT_LISTENER_TOP_Z, &listener.vOrientTop.z},
+        {IDC_EDIT_LISTENER_DISTANCE, &listener.flDistanceFactor}, {IDC_EDIT_LISTENER_DOPPLER, &listener.flDopplerFactor},
+    };
+    // Each field its own value, so a box exchanged with another field's shows.
+    for (size_t i = 0; i < std::size(fields); ++i)
+        *fields[i].second = -0.5f * static_cast<float>(i + 1);
     source.dwMode = DS3DMODE_HEADRELATIVE;
-    buffer.m_ds3dListener.flDopplerFactor = 2.5f;
-    buffer.m_ds3dListener.vOrientFront = {0.0f, 0.0f, 1.0f};
 
-    std::wstring posX, posY, inside, volume, doppler, frontZ, modeText;
-    std::vector<std::wstring> modes;
-    int mode = -1;
     EXPECT_EQ(runDialog(k3DCaption, [&](HWND dialog) {
-        posX = controlText(dialog, IDC_EDIT_DS3D_POS_X);
-        posY = controlText(dialog, IDC_EDIT_DS3D_POS_Y);
-        inside = controlText(dialog, IDC_EDIT_DS3D_CONE_INSIDE);
-        volume = controlText(dialog, IDC_EDIT_DS3D_CONE_VOLUME);
-        doppler = controlText(dialog, IDC_EDIT_LISTENER_DOPPLER);
-        frontZ = controlText(dialog, IDC_EDIT_LISTENER_FRONT_Z);
-        modes = comboItems(dialog, IDC_CMB_DS3D_MODE);
-        mode = comboSelection(dialog, IDC_CMB_DS3D_MODE);
-        modeText = controlText(dialog, IDC_CMB_DS3D_MODE);
-        setText(dialog, IDC_EDIT_DS3D_POS_X, L"4.25");
-        setText(dialog, IDC_EDIT_LISTENER_POS_Z, L"-7");
+        for (size_t i = 0; i < std::size(fields); ++i)
+        {
+            wchar_t shown[32];
+            swprintf(shown, 32, L"%g", -0.5 * static_cast<double>(i + 1));
+            EXPECT_EQ(controlText(dialog, fields[i].first), shown) << "box " << fields[i].first;
+            setText(dialog, fields[i].first, std::to_wstring(0.25 * static_cast<double>(i + 1)));
+        }
+        EXPECT_EQ(comboItems(dialog, IDC_CMB_DS3D_MODE), (std::vector<std::wstring>{L"Normal", L"Head relative", L"Disable"}));
+        EXPECT_EQ(comboSelection(dialog, IDC_CMB_DS3D_MODE), 0);
         shoot(dialog, L"CDlgDS3Dparameterty");
-        pressButton(dialog, IDOK);
-    }, [&] { return buffer.setDirectSnd3Dparameters(); }), 1);
-
-    EXPECT_EQ(posX, L"1.5");
-    EXPECT_EQ(posY, L"-2");
-    EXPECT_EQ(inside, L"40");
-    EXPECT_EQ(volume, L"-300");
-    EXPECT_EQ(doppler, L"2.5");
-    EXPECT_EQ(frontZ, L"1");
-    EXPECT_EQ(modes, (std::vector<std::wstring>{L"Normal", L"Head relative", L"Disable"}));
-    EXPECT_EQ(mode, 0) << "the list opens on Normal whatever the buffer's mode";
-    EXPECT_EQ(modeText, L"Normal");
-
-    EXPECT_FLOAT_EQ(buffer.m_ds3dBufferSaved.vPosition.x, 4.25f);
-    EXPECT_FLOAT_EQ(buffer.m_ds3dBufferSaved.vPosition.y, -2.0f);
-    EXPECT_EQ(buffer.m_ds3dBufferSaved.dwMode, static_cast<DWORD>(DS3DMODE_NORMAL));
-    EXPECT_FLOAT_EQ(buffer.m_ds3dListenerSaved.vPosition.z, -7.0f);
-    EXPECT_FLOAT_EQ(device.m_ds3dListener.vPosition.z, -7.0f);
-    EXPECT_FLOAT_EQ(device.m_ds3dListener.flDopplerFactor, 2.5f);
-}
-
-// Both the apply step and the closing exchange check the entry, so the prompt comes twice.
-TEST_F(ThreeDDialogs, DopplerAboveTenIsRefusedAndTenAccepted)
-{
-    showRealMessageBoxes();
-    std::vector<std::optional<std::wstring>> prompts;
-    bool openAfterRefusal = false;
-    EXPECT_EQ(runDialog(k3DCaption, [&](HWND dialog) {
         setText(dialog, IDC_EDIT_LISTENER_DOPPLER, L"10.5");
+        const size_t seen = answeredBoxes().size();
         pressButton(dialog, IDOK);
-        prompts.push_back(answerMessageBox(AfxGetAppName(), IDOK));
-        prompts.push_back(answerMessageBox(AfxGetAppName(), IDOK));
-        Sleep(200);
-        openAfterRefusal = IsWindow(dialog) != FALSE;
+        for (int waited = 0; answeredBoxes(seen).size() < 2 && waited < 3000; waited += 20)
+            Sleep(20);
+        EXPECT_EQ(answeredBoxes(seen), std::vector<std::wstring>(2, L"Please enter a number between 0 and 10."));
         setText(dialog, IDC_EDIT_LISTENER_DOPPLER, L"10");
         pressButton(dialog, IDOK);
     }, [&] { return buffer.setDirectSnd3Dparameters(); }), 1);
 
-    const std::optional<std::wstring> standard(L"Please enter a number between 0 and 10.");
-    EXPECT_EQ(prompts, (std::vector<std::optional<std::wstring>>{standard, standard}));
-    EXPECT_TRUE(openAfterRefusal);
-    EXPECT_FLOAT_EQ(device.m_ds3dListener.flDopplerFactor, 10.0f);
-}
+    for (size_t i = 0; i + 1 < std::size(fields); ++i)
+        EXPECT_FLOAT_EQ(*fields[i].second, 0.25f * static_cast<float>(i + 1)) << "box " << fields[i].first;
+    EXPECT_FLOAT_EQ(listener.flDopplerFactor, 10.0f);
+    EXPECT_EQ(source.dwMode, static_cast<DWORD>(DS3DMODE_NORMAL));
+    EXPECT_EQ(std::memcmp(&buffer.m_ds3dBufferSaved, &source, sizeof source), 0) << "OK keeps the edited records";
+    EXPECT_EQ(std::memcmp(&device.m_ds3dListener, &listener, sizeof listener), 0) << "the device's listener too";
 
-TEST_F(ThreeDDialogs, ReportShowsTheBufferAndListenerAsDirectSoundHasThem)
-{
+    // The report shows the buffer and listener as DirectSound has them, not the records.
     ASSERT_EQ(buffer.m_pDS3DBuffer->SetMode(DS3DMODE_HEADRELATIVE, DS3D_IMMEDIATE), DS_OK);
     ASSERT_NE(device.m_pDS3DListener, nullptr);
     ASSERT_EQ(device.m_pDS3DListener->SetDopplerFactor(2.5f, DS3D_IMMEDIATE), DS_OK);
-
-    std::wstring report;
     EXPECT_EQ(runDialog(k3DCaption, [&](HWND dialog) {
-        report = withNewlines(controlText(dialog, IDC_RICHEDIT_DS3D_INFO));
+        const std::wstring report = withNewlines(controlText(dialog, IDC_RICHEDIT_DS3D_INFO));
+        for (const wchar_t* line : {L"\n***Direct sound 3D buffer Parameters***\nPosition:: x: 0.000000 y:0.000000 z:0.000000 \n",
+                                    L"\nDirect sound 3D processing mode : HEADRELATIVE \n",
+                                    L"\n***Direct sound 3D listener parameters***\n", L"\nDoppler factor:2.500000 \n"})
+            EXPECT_NE(report.find(line), std::wstring::npos) << std::string(report.begin(), report.end());
         shoot(dialog, L"CDlgDirectSnd3DbuffInfoty");
         pressButton(dialog, IDOK);
     }, [&] { return buffer.showDirectSnd3DInfo(); }), 1);
-
-    EXPECT_EQ(report.rfind(L"\n***Direct sound 3D buffer Parameters***\nPosition:: x: 0.000000 y:0.000000 z:0.000000 \n", 0),
-              0u)
-        << std::string(report.begin(), report.end());
-    for (const wchar_t* line : {L"\nDirect sound 3D processing mode : HEADRELATIVE \n",
-                                L"\n***Direct sound 3D listener parameters***\n", L"\nDoppler factor:2.500000 \n"})
-        EXPECT_NE(report.find(line), std::wstring::npos) << std::string(line, line + wcslen(line));
-    EXPECT_LT(report.find(L"Doppler factor"), report.find(L"Rolloff factor"));
 }
 
-// ---------------------------------------------------------------------------
-// Buffer format and size
-
-class BufferConfigDialog : public BufferDialogTest
+// The dialog opens on the data's format and size, refuses each entry no buffer can hold, and
+// takes the largest size DirectSound allows, rounded down to whole samples.
+TEST_F(DialogTest, BufferConfigRefusesWhatNoBufferCanHold)
 {
-protected:
-    DWORD bufferBytes()
-    {
-        DSBCAPS caps{};
-        caps.dwSize = sizeof caps;
-        EXPECT_EQ(buffer.m_pDSBuffer->GetCaps(&caps), DS_OK);
-        return caps.dwBufferBytes;
-    }
-};
-
-TEST_F(BufferConfigDialog, OpensOnTheDataAndRefusesWhatNoBufferCanHold)
-{
-    showRealMessageBoxes();
-    std::wstring channels, rate, bits, bytes;
-    std::optional<std::wstring> bitsRefusal, sizeRefusal;
-    EXPECT_EQ(runDialog(kConfigCaption, [&](HWND dialog) {
-        channels = controlText(dialog, IDC_CMB_2ND_CHANNELS);
-        rate = controlText(dialog, IDC_CMB_2ND_SAMPLING_RATE);
-        bits = controlText(dialog, IDC_CMB_2ND_BITS_PER_SAMPLE);
-        bytes = controlText(dialog, IDC_EDIT_2ND_BUFFER_BYTES);
+    openDeviceWithTone(0.5);
+    const std::wstring channels = L"The number of channels must be 1 or 2.",
+                       rate = L"The sampling rate must be a whole number from 100 to 200000 Hz.",
+                       bits = L"The bits per sample must be 8 or 16.",
+                       bytes = L"The buffer size must be a whole number of bytes from 4 to 268435455.";
+    const struct { int id; const wchar_t* entry; const std::wstring& refusal; } entries[] = {
+        {IDC_CMB_2ND_CHANNELS, L"0", channels},          {IDC_CMB_2ND_CHANNELS, L"3", channels},
+        {IDC_CMB_2ND_SAMPLING_RATE, L"99", rate},        {IDC_CMB_2ND_SAMPLING_RATE, L"200001", rate},
+        {IDC_CMB_2ND_BITS_PER_SAMPLE, L"12", bits},      {IDC_EDIT_2ND_BUFFER_BYTES, L"3", bytes},
+        {IDC_EDIT_2ND_BUFFER_BYTES, L"268435456", bytes}, {IDC_EDIT_2ND_BUFFER_BYTES, L"1e3", bytes},
+    };
+    EXPECT_EQ(runDialog(L"Sound Buffer Config", [&](HWND dialog) {
+        EXPECT_EQ(texts(dialog, {IDC_CMB_2ND_CHANNELS, IDC_CMB_2ND_SAMPLING_RATE, IDC_CMB_2ND_BITS_PER_SAMPLE,
+                                 IDC_EDIT_2ND_BUFFER_BYTES}),
+                  (std::vector<std::wstring>{L"1", L"44100", L"16", std::to_wstring(data.getDataSize())}));
         shoot(dialog, L"CDlgDSndCreate2ndBuffer");
-        setText(dialog, IDC_CMB_2ND_BITS_PER_SAMPLE, L"12");
-        pressButton(dialog, IDOK);
-        bitsRefusal = answerMessageBox(AfxGetAppName(), IDOK);
-        setText(dialog, IDC_CMB_2ND_BITS_PER_SAMPLE, L"16");
-        setText(dialog, IDC_EDIT_2ND_BUFFER_BYTES, L"3");
-        pressButton(dialog, IDOK);
-        sizeRefusal = answerMessageBox(AfxGetAppName(), IDOK);
+        for (const auto& entry : entries)
+        {
+            const std::wstring before = controlText(dialog, entry.id);
+            setText(dialog, entry.id, entry.entry);
+            EXPECT_EQ(refusalOf(dialog, IDOK), entry.refusal) << std::string(entry.entry, entry.entry + wcslen(entry.entry));
+            setText(dialog, entry.id, before);
+        }
         setText(dialog, IDC_CMB_2ND_SAMPLING_RATE, L"16000");
-        setText(dialog, IDC_EDIT_2ND_BUFFER_BYTES, L"1003");
+        setText(dialog, IDC_EDIT_2ND_BUFFER_BYTES, L"268435455");
         pressButton(dialog, IDOK);
-    }, [&] { return buffer.setSndData2DSndBuf2ndPro(&data, &device); }), 1002) << "rounded down to whole 16-bit samples";
+    }, [&] { return buffer.setSndData2DSndBuf2ndPro(&data, &device); }), 268435454);
+
     ASSERT_NE(buffer.m_pDSBuffer, nullptr);
-
-    EXPECT_EQ(channels, L"1");
-    EXPECT_EQ(rate, L"44100");
-    EXPECT_EQ(bits, L"16");
-    EXPECT_EQ(bytes, std::to_wstring(data.getDataSize()));
-    EXPECT_EQ(bitsRefusal, std::wstring(L"The bits per sample must be 8 or 16."));
-    EXPECT_EQ(sizeRefusal, std::wstring(L"The buffer size must be a whole number of bytes from 4 to 268435455."));
-    EXPECT_EQ(bufferBytes(), 1002u);
+    DSBCAPS caps{sizeof caps, 0, 0, 0, 0};
     WAVEFORMATEX made{};
+    ASSERT_EQ(buffer.m_pDSBuffer->GetCaps(&caps), DS_OK);
     ASSERT_EQ(buffer.m_pDSBuffer->GetFormat(&made, sizeof made, nullptr), DS_OK);
-    EXPECT_EQ(made.nSamplesPerSec, 16000u);
-    EXPECT_EQ(made.nBlockAlign, 2);
-    EXPECT_EQ(made.nAvgBytesPerSec, 32000u);
+    EXPECT_EQ(caps.dwBufferBytes, 268435454u);
+    EXPECT_EQ(fieldsOf(made), fieldsOf(pcmFormat(16000, 1)));
 }
 
-TEST_F(BufferConfigDialog, CancelMakesNoBuffer)
+// A tone that cannot be sampled is refused; the tone entered, and the lowest recording length
+// accepted, are taken. A recording, in the format chosen, is refused until one is made; the
+// default capture device is the loopback of the output, so it records the tone that plays,
+// and a finished recording is chosen by itself.
+TEST_F(DialogTest, BasicDialogHandsBackTheToneOrTheRecordingAsEntered)
 {
-    EXPECT_EQ(runDialog(kConfigCaption, [&](HWND dialog) { pressButton(dialog, IDCANCEL); },
-                        [&] { return buffer.setSndData2DSndBuf2ndPro(&data, &device); }),
-              0);
-    EXPECT_EQ(buffer.m_pDSBuffer, nullptr);
-}
-
-// ---------------------------------------------------------------------------
-// Basic sound maker
-
-class BasicDialog : public BufferDialogTest
-{
-protected:
-    std::unique_ptr<CSndDatatyx> open(const std::function<void(HWND)>& drive)
-    {
-        CSndDatatyx* made = nullptr;
-        runDialog(kBasicCaption, drive, [&] {
-            made = buffer.showTavrelerBasic();
-            return 0;
-        });
-        return std::unique_ptr<CSndDatatyx>(made);
-    }
-};
-
-TEST_F(BasicDialog, OkHandsBackTheToneAsEnteredOnceItCanBeSampled)
-{
-    showRealMessageBoxes();
-    std::optional<std::wstring> refusal;
-    auto made = open([&](HWND dialog) {
-        selectComboItem(dialog, IDC_CMB_BASIC_SAMPLING_RATE, 0);
-        setText(dialog, IDC_EDIT_BASIC_FREQUENCY, L"11025");
-        pressButton(dialog, IDOK);
-        refusal = answerMessageBox(AfxGetAppName(), IDOK);
-        setText(dialog, IDC_EDIT_BASIC_FREQUENCY, L"500");
-        setText(dialog, IDC_EDIT_BASIC_DURATION, L"200");
-        setText(dialog, IDC_EDIT_BASIC_LEVEL, L"-12");
-        selectComboItem(dialog, IDC_CMB_BASIC_CHANNELS, 1);
-        shoot(dialog, L"CDlgDTavrelBasic");
-        pressButton(dialog, IDOK);
-    });
-    EXPECT_EQ(refusal, std::wstring(L"The frequency must be below half the sampling rate."));
-    ASSERT_NE(made, nullptr);
-    const tWAVEFORMATEX wfx = made->getAudioWaveDataWfx();
-    EXPECT_EQ(wfx.nChannels, 2);
-    EXPECT_EQ(wfx.nSamplesPerSec, 22050u);
-    EXPECT_EQ(wfx.wBitsPerSample, 16);
-    EXPECT_EQ(wfx.nBlockAlign, 4);
-    ASSERT_EQ(made->getDataSize(), 17640u) << "4410 stereo frames";
-
-    const int16_t* samples = reinterpret_cast<const int16_t*>(made->getDataPointer());
-    const std::vector<int16_t> pcm(samples, samples + made->getDataSize() / 2);
-    const PcmView both = view(pcm, 2);
-    EXPECT_NEAR(dominantFrequency(both, 0, 22050), 500.0, 2.0);
-    EXPECT_NEAR(rmsDbfs(both, 0), -12.0, 0.1) << "the analysis reads a sine's level by its peak";
-    EXPECT_NEAR(rmsDbfs(both, 1), rmsDbfs(both, 0), 0.01);
-}
-
-TEST_F(BasicDialog, CancelHandsBackNothing)
-{
-    EXPECT_EQ(open([&](HWND dialog) { pressButton(dialog, IDCANCEL); }), nullptr);
-}
-
-// The default capture device is the loopback of the output: it records the tone played.
-TEST_F(BasicDialog, RecordingIsHandedBackOnceMadeAndRefusedBefore)
-{
+    openDeviceWithTone(0.5);
     ASSERT_EQ(buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
     ASSERT_EQ(buffer.sendAudioStimLoop(), 1);
-    showRealMessageBoxes();
-    std::optional<std::wstring> refusal;
-    std::wstring status;
-    auto made = open([&](HWND dialog) {
-        chooseRadio(dialog, IDC_RADIO_BASIC_TONE, IDC_RADIO_BASIC_RECORDING, IDC_RADIO_BASIC_RECORDING);
-        pressButton(dialog, IDOK);
-        refusal = answerMessageBox(AfxGetAppName(), IDOK);
-        chooseRadio(dialog, IDC_RADIO_BASIC_TONE, IDC_RADIO_BASIC_RECORDING, IDC_RADIO_BASIC_TONE);
-        setText(dialog, IDC_EDIT_BASIC_RECORD_SECONDS, L"1");
-        pressButton(dialog, IDC_BTN_BASIC_RECORD);
-        status = waitForText(dialog, IDC_STATIC_BASIC_STATUS, L"Recorded 88200 bytes", 6000);
-        pressButton(dialog, IDOK);
+    for (const bool recording : {false, true})
+    {
+        CSndDatatyx* sound = nullptr;
+        runDialog(L"Sound Basic", [&](HWND dialog) {
+            selectComboItem(dialog, IDC_CMB_BASIC_SAMPLING_RATE, 0);
+            setText(dialog, IDC_EDIT_BASIC_FREQUENCY, L"11025");
+            EXPECT_EQ(refusalOf(dialog, IDOK), L"The frequency must be below half the sampling rate.");
+            setText(dialog, IDC_EDIT_BASIC_FREQUENCY, L"500");
+            setText(dialog, IDC_EDIT_BASIC_DURATION, L"200");
+            setText(dialog, IDC_EDIT_BASIC_LEVEL, L"-12");
+            setText(dialog, IDC_EDIT_BASIC_RECORD_SECONDS, L"1");
+            selectComboItem(dialog, IDC_CMB_BASIC_CHANNELS, 1);
+            shoot(dialog, L"CDlgDTavrelBasic");
+            if (recording)
+            {
+                chooseRadio(dialog, IDC_RADIO_BASIC_TONE, IDC_RADIO_BASIC_RECORDING, IDC_RADIO_BASIC_RECORDING);
+                EXPECT_EQ(refusalOf(dialog, IDOK), L"Nothing has been recorded yet: press Record first, or choose the tone.");
+                chooseRadio(dialog, IDC_RADIO_BASIC_TONE, IDC_RADIO_BASIC_RECORDING, IDC_RADIO_BASIC_TONE);
+                pressButton(dialog, IDC_BTN_BASIC_RECORD);
+                for (int waited = 0; controlText(dialog, IDC_STATIC_BASIC_STATUS) != L"Recorded 88200 bytes" && waited < 6000; waited += 20)
+                    Sleep(20);
+                EXPECT_EQ(controlText(dialog, IDC_STATIC_BASIC_STATUS), L"Recorded 88200 bytes");
+            }
+            pressButton(dialog, IDOK);
+        }, [&] { return (sound = buffer.showTavrelerBasic()) != nullptr; });
+        const std::unique_ptr<CSndDatatyx> made(sound);
+        ASSERT_NE(made, nullptr) << (recording ? "a finished recording selects itself" : "no tone");
+        const std::vector<int16_t> pcm(reinterpret_cast<const int16_t*>(made->getDataPointer()),
+                                       reinterpret_cast<const int16_t*>(made->getDataPointer() + made->getDataSize()));
+        EXPECT_EQ(fieldsOf(made->getAudioWaveDataWfx()), fieldsOf(pcmFormat(22050, 2)));
+        EXPECT_EQ(made->getDataSize(), recording ? 88200u : 17640u) << "a second, or 4410 frames";
+        // The second half: the first moments of a recording may be silent.
+        const PcmView half = slice(view(pcm, 2), pcm.size() / 4, pcm.size());
+        EXPECT_NEAR(dominantFrequency(half, 0, 22050), recording ? 1000.0 : 500.0, 5.0);
+        EXPECT_NEAR(rmsDbfs(half, 0), recording ? -6.0 : -12.0, recording ? 3.0 : 0.1) << "a sine's level by its peak";
+    }
+}
+
+// The player plays the chosen file and stops, plays it to the end, and plays it once more until
+// the player goes away.
+TEST_F(DialogTest, StreamPlayerPlaysStopsAndReturnsToReadyAtTheEndOfTheFile)
+{
+    // The owner gives the buffer its device with a load of the data.
+    openDeviceWithTone(0.1);
+    ASSERT_EQ(buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    const std::wstring path = std::wstring(folder) + L"stream-ui-tone.wav";
+    std::vector<int16_t> pcm = sineTone(1000.0, -12.0, 1.5, 44100, ToneChannels::Both);
+    tWAVEFORMATEX wfx = pcmFormat(44100, 2);
+    CSndWaveWriteStreamty writer;
+    ASSERT_EQ(writer.Open(CString(path.c_str()), &wfx), 1);
+    ASSERT_EQ(writer.Write(static_cast<unsigned>(pcm.size() * 2), reinterpret_cast<unsigned char*>(pcm.data()), nullptr), 1);
+    ASSERT_EQ(writer.Close(), 1);
+
+    auto* player = new CDlgSoundStreamPlay;
+    player->m_pSndBuffStream = &buffer;
+    ASSERT_TRUE(player->Create(IDD_DLG_SOUND_STREAM_PLAY));
+    player->ShowWindow(SW_SHOWNORMAL);
+    std::atomic<bool> done{false};
+    std::thread user([&] {
+        HWND dlg = waitForWindow(L"Huge sound file player");
+        EXPECT_EQ(buttonStates(dlg), kIdle);
+        EXPECT_TRUE(chooseFile(dlg, path));
+        EXPECT_TRUE(becomes(dlg, kReady, 3000));
+        pressButton(dlg, IDC_BTN_STREAM_PLAY);
+        EXPECT_TRUE(becomes(dlg, kPlaying, 3000));
+        shoot(dlg, L"CDlgSoundStreamPlay");
+        Sleep(400);
+        pressButton(dlg, IDC_BTN_STREAM_STOP);
+        EXPECT_TRUE(becomes(dlg, kReady, 3000) && threadEnds(player->m_pStreamThread, 3000)) << "Stop";
+        pressButton(dlg, IDC_BTN_STREAM_PLAY);
+        EXPECT_TRUE(becomes(dlg, kPlaying, 3000));
+        EXPECT_TRUE(becomes(dlg, kReady, 6000) && threadEnds(player->m_pStreamThread, 3000)) << "the end of the file";
+        pressButton(dlg, IDC_BTN_STREAM_PLAY);
+        EXPECT_TRUE(becomes(dlg, kPlaying, 3000));
+        done = true;
     });
-    EXPECT_EQ(refusal, std::wstring(L"Nothing has been recorded yet: press Record first, or choose the tone."));
-    EXPECT_EQ(status, L"Recorded 88200 bytes");
-    ASSERT_NE(made, nullptr) << "a finished recording selects itself";
-    EXPECT_EQ(made->getDataSize(), 88200u);
-    EXPECT_EQ(made->getAudioWaveDataWfx().nChannels, 1);
-    EXPECT_EQ(made->getAudioWaveDataWfx().nSamplesPerSec, 44100u);
-    const int16_t* samples = reinterpret_cast<const int16_t*>(made->getDataPointer());
-    const std::vector<int16_t> pcm(samples + 22050, samples + 44100);
-    EXPECT_NEAR(dominantFrequency(view(pcm, 1), 0, 44100), 1000.0, 5.0);
+    // This thread's messages are handled here while the user works the player.
+    for (MSG msg; !done; MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT))
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+            if (!IsDialogMessageW(player->m_hWnd, &msg))
+            {
+                TranslateMessage(&msg);
+                DispatchMessageW(&msg);
+            }
+    user.join();
+    EXPECT_EQ(0, player->m_strFilePath.CompareNoCase(path.c_str()));
+    EXPECT_NE(nullptr, buffer.m_pDSBuffer);
+    player->DestroyWindow();
+    delete player;
+    EXPECT_EQ(nullptr, buffer.m_pDSBuffer) << "the player went away and left the stream playing";
+    DeleteFileW(path.c_str());
 }

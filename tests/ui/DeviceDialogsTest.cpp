@@ -1,4 +1,5 @@
-// The dialogs that choose the card, show its capabilities and choose its cooperative level.
+// The dialogs that choose the card, show its capabilities, and choose its cooperative level,
+// its speaker configuration and its primary format, each checked from the thread that drives it.
 
 #include "UiTestSupport.h"
 
@@ -6,259 +7,184 @@
 
 using namespace dsty_test;
 
-namespace
+// Every device is listed and reported, Wine's primary driver and null sink at least; OK opens
+// the device whose number the combo shows, chosen or typed by hand.
+TEST_F(DialogTest, DeviceListOpensTheNumberTheComboShows)
 {
-const wchar_t kListCaption[] = L"Direct sound device information";
-const wchar_t kCapsCaption[] = L"Direct sound capabilities";
-const wchar_t kLevelCaption[] = L"Cooperative level";
-
-// Rich edit controls may hand line ends back as "\r\n" or "\r".
-std::wstring withNewlines(std::wstring text)
-{
-    std::wstring out;
-    for (size_t i = 0; i < text.size(); ++i)
+    // Typed: nothing for item 0 as the list opens.
+    const struct { const wchar_t* typed; int result; std::vector<std::wstring> boxes; } choices[] = {
+        {nullptr, 1, {}}, {L"   99", 0, {L"Create Direct sound Object err"}}};
+    for (const auto& choice : choices)
     {
-        if (text[i] != L'\r')
-            out += text[i];
-        else if (i + 1 >= text.size() || text[i + 1] != L'\n')
-            out += L'\n';
-    }
-    return out;
-}
-
-std::wstring format(const wchar_t* pattern, ...)
-{
-    wchar_t text[512];
-    va_list args;
-    va_start(args, pattern);
-    vswprintf(text, 512, pattern, args);
-    va_end(args);
-    return text;
-}
-
-// The report a user must see for one device of the list.
-std::wstring deviceBlock(const CDSndDeviceInfoty& list, int i)
-{
-    const GUID& guid = list.m_guidDevice[i];
-    return format(L"DeviceID: %d \n%d %d %d %d \n%ls \n%ls \n \n", i, (int)guid.Data1, (int)guid.Data2,
-                  (int)guid.Data3, (int)(DWORD)(UINT_PTR)guid.Data4,
-                  (LPCWSTR)list.m_strDescription[i], (LPCWSTR)list.m_strModule[i]);
-}
-
-struct ListSeen
-{
-    std::vector<std::wstring> items;
-    std::wstring count, report;
-    std::wstring expectedReport;
-    int selection = -1;
-};
-}
-
-class DeviceListDialog : public DialogTest
-{
-protected:
-    // Opens the list through selectSoundCards and reads it, then enters `choice` as the
-    // combo's text and presses `button`.
-    int pick(const wchar_t* choice, int button, ListSeen& seen)
-    {
-        return runDialog(kListCaption, [&](HWND dialog) {
-            seen.items = comboItems(dialog, IDC_CMB_DEVICE_ID);
-            seen.selection = comboSelection(dialog, IDC_CMB_DEVICE_ID);
-            seen.count = controlText(dialog, IDC_EDIT_DEVICE_COUNT);
-            seen.report = withNewlines(controlText(dialog, IDC_RICHEDIT_DEVICE_INFO));
-            if (const CDSndDeviceInfoty* list = device.deviceList())
-                for (int i = 0; i < list->m_nDeviceNumber; ++i)
-                    seen.expectedReport += deviceBlock(*list, i);
-            if (choice)
-                setText(dialog, IDC_CMB_DEVICE_ID, choice);
+        UiDevice chooser;
+        const size_t seen = answeredBoxes().size();
+        EXPECT_EQ(runDialog(L"Direct sound device information", [&](HWND dialog) {
+            const CDSndDeviceInfoty* list = chooser.deviceList();
+            ASSERT_TRUE(list && list->m_nDeviceNumber >= 2 && list->m_strDescription[0].Compare(L"Primary Sound Driver") == 0);
+            std::vector<std::wstring> items;
+            std::wstring report;  // what a user must see of each device
+            for (int i = 0; i < list->m_nDeviceNumber; ++i)
+            {
+                const GUID& guid = list->m_guidDevice[i];
+                wchar_t block[512];
+                swprintf(block, 512, L"DeviceID: %d \n%d %d %d %d \n%ls \n%ls \n \n", i, (int)guid.Data1, (int)guid.Data2,
+                         (int)guid.Data3, (int)(DWORD)(UINT_PTR)guid.Data4, (LPCWSTR)list->m_strDescription[i],
+                         (LPCWSTR)list->m_strModule[i]);
+                items.push_back(L"          " + std::to_wstring(i));
+                report += block;
+            }
+            EXPECT_EQ(comboItems(dialog, IDC_CMB_DEVICE_ID), items);
+            EXPECT_EQ(comboSelection(dialog, IDC_CMB_DEVICE_ID), 0);
+            EXPECT_EQ(controlText(dialog, IDC_EDIT_DEVICE_COUNT), std::to_wstring(list->m_nDeviceNumber));
+            EXPECT_EQ(withNewlines(controlText(dialog, IDC_RICHEDIT_DEVICE_INFO)), report);
+            if (choice.typed)
+                setText(dialog, IDC_CMB_DEVICE_ID, choice.typed);
             shoot(dialog, L"CDlgDSndInitInfo");
-            pressButton(dialog, button);
-        }, [&] { return device.selectSoundCards(); });
+            pressButton(dialog, IDOK);
+        }, [&] { return chooser.selectSoundCards(); }), choice.result);
+        EXPECT_EQ(chooser.getDirectSnd() != nullptr, choice.result == 1);
+        EXPECT_EQ(answeredBoxes(seen), choice.boxes);
     }
-
-    UiDevice device;
-};
-
-TEST_F(DeviceListDialog, ListsTheDevicesAndItemZeroOpensThePrimaryDriver)
-{
-    ListSeen seen;
-    EXPECT_EQ(pick(nullptr, IDOK, seen), 1);
-
-    ASSERT_NE(device.deviceList(), nullptr);
-    const int count = device.deviceList()->m_nDeviceNumber;
-    ASSERT_GE(count, 2) << "Wine offers the primary driver and the null sink";
-    ASSERT_EQ(seen.items.size(), static_cast<size_t>(count));
-    for (int i = 0; i < count; ++i)
-        EXPECT_EQ(seen.items[i], format(L"          %d", i));
-    EXPECT_EQ(seen.selection, 0);
-    EXPECT_EQ(seen.count, std::to_wstring(count));
-    EXPECT_EQ(seen.report, seen.expectedReport);
-    EXPECT_EQ(device.deviceList()->m_strDescription[0], CString(L"Primary Sound Driver"));
-    EXPECT_NE(device.getDirectSnd(), nullptr);
-    EXPECT_TRUE(answeredBoxes().empty());
 }
 
-// The opener gets the number the combo shows, not the selected item's index.
-TEST_F(DeviceListDialog, ANumberTypedByHandIsTheOneChosen)
+TEST_F(DialogTest, CapabilitiesReportShowsEveryFieldInOrder)
 {
-    ListSeen seen;
-    EXPECT_EQ(pick(L"   99", IDOK, seen), 0);
-    EXPECT_EQ(answeredBoxes(), std::vector<std::wstring>{L"Create Direct sound Object err"});
-    EXPECT_EQ(device.getDirectSnd(), nullptr);
-}
-
-TEST_F(DeviceListDialog, CancelDeletesTheListAndLeavesTheDeviceClosed)
-{
-    ListSeen seen;
-    EXPECT_EQ(pick(nullptr, IDCANCEL, seen), 0);
-    EXPECT_FALSE(seen.items.empty());
-    EXPECT_EQ(device.deviceList(), nullptr);
-    EXPECT_EQ(device.getDirectSnd(), nullptr);
-}
-
-class CapabilitiesDialog : public DialogTest
-{
-};
-
-TEST_F(CapabilitiesDialog, ReportShowsEveryFieldInOrder)
-{
-    UiDevice device;
     ASSERT_TRUE(device.createDSndObject(nullptr));
     DSCAPS caps{};
     caps.dwSize = sizeof caps;
     ASSERT_EQ(device.getDirectSnd()->GetCaps(&caps), DS_OK);
-
-    std::wstring report;
-    EXPECT_EQ(runDialog(kCapsCaption, [&](HWND dialog) {
-        report = withNewlines(controlText(dialog, IDC_RICHEDIT_CAPS));
-        shoot(dialog, L"CDlgDSndCaps");
-        pressButton(dialog, IDOK);
-    }, [&] { return device.getDSCAPSPro(); }), 1);
-
-    const std::pair<const wchar_t*, DWORD> fields[] = {
-        {L"dwFreeHw3DAllBuffers:", caps.dwFreeHw3DAllBuffers},
-        {L"dwFreeHw3DStaticBuffers: ", caps.dwFreeHw3DStaticBuffers},
-        {L"dwFreeHw3DStreamingBuffers: ", caps.dwFreeHw3DStreamingBuffers},
-        {L"dwFreeHwMemBytes: ", caps.dwFreeHwMemBytes},
-        {L"dwFreeHwMixingAllBuffers: ", caps.dwFreeHwMixingAllBuffers},
-        {L"dwFreeHwMixingStaticBuffers: ", caps.dwFreeHwMixingStaticBuffers},
-        {L"dwFreeHwMixingStreamingBuffers: ", caps.dwFreeHwMixingStreamingBuffers},
-        {L"dwMaxContigFreeHwMemBytes: ", caps.dwMaxContigFreeHwMemBytes},
-        {L"dwMaxHw3DAllBuffers: ", caps.dwMaxHw3DAllBuffers},
-        {L"dwMaxHw3DStaticBuffers: ", caps.dwMaxHw3DStaticBuffers},
-        {L"dwMaxHw3DStreamingBuffers: ", caps.dwMaxHw3DStreamingBuffers},
-        {L"dwMaxHwMixingAllBuffers: ", caps.dwMaxHwMixingAllBuffers},
-        {L"dwMaxHwMixingStaticBuffers: ", caps.dwMaxHwMixingStaticBuffers},
-        {L"dwMaxHwMixingStreamingBuffers: ", caps.dwMaxHwMixingStreamingBuffers},
-        {L"dwMaxSecondarySampleRate: ", caps.dwMaxSecondarySampleRate},
-        {L"dwMinSecondarySampleRate: ", caps.dwMinSecondarySampleRate},
-        {L"dwPlayCpuOverheadSwBuffers: ", caps.dwPlayCpuOverheadSwBuffers},
-        {L"dwPrimaryBuffers: ", caps.dwPrimaryBuffers},
-        {L"dwTotalHwMemBytes: ", caps.dwTotalHwMemBytes},
-        {L"dwUnlockTransferRateHwBuffers: ", caps.dwUnlockTransferRateHwBuffers},
+    ASSERT_EQ(caps.dwMaxSecondarySampleRate, 200000u) << "the report must carry the card's own figures";
+#define WIDE(text) L##text
+#define FIELD(name) {WIDE(#name) L": ", caps.name}
+    const std::pair<std::wstring, DWORD> fields[] = {
+        {L"dwFreeHw3DAllBuffers:", caps.dwFreeHw3DAllBuffers}, FIELD(dwFreeHw3DStaticBuffers),
+        FIELD(dwFreeHw3DStreamingBuffers), FIELD(dwFreeHwMemBytes), FIELD(dwFreeHwMixingAllBuffers),
+        FIELD(dwFreeHwMixingStaticBuffers), FIELD(dwFreeHwMixingStreamingBuffers), FIELD(dwMaxContigFreeHwMemBytes),
+        FIELD(dwMaxHw3DAllBuffers), FIELD(dwMaxHw3DStaticBuffers), FIELD(dwMaxHw3DStreamingBuffers),
+        FIELD(dwMaxHwMixingAllBuffers), FIELD(dwMaxHwMixingStaticBuffers), FIELD(dwMaxHwMixingStreamingBuffers),
+        FIELD(dwMaxSecondarySampleRate), FIELD(dwMinSecondarySampleRate), FIELD(dwPlayCpuOverheadSwBuffers),
+        FIELD(dwPrimaryBuffers), FIELD(dwTotalHwMemBytes), FIELD(dwUnlockTransferRateHwBuffers),
     };
+#undef FIELD
+#undef WIDE
     std::wstring expected = L"***DirectSound Capabilities***\n";
     for (const auto& field : fields)
         expected += field.first + std::to_wstring(static_cast<int>(field.second)) + L" \n";
-    EXPECT_EQ(report, expected);
-    EXPECT_EQ(caps.dwMaxSecondarySampleRate, 200000u) << "the report must carry the card's own figures";
+    EXPECT_EQ(runDialog(L"Direct sound capabilities", [&](HWND dialog) {
+        EXPECT_EQ(withNewlines(controlText(dialog, IDC_RICHEDIT_CAPS)), expected);
+        shoot(dialog, L"CDlgDSndCaps");
+        pressButton(dialog, IDOK);
+    }, [&] { return device.getDSCAPSPro(); }), 1);
 }
 
-class LevelDialog : public DialogTest
+// Exclusive has no button of its own; a device not yet at any level opens on Priority and
+// cannot apply; with no button checked OK keeps the level. Given a context the dialog offers
+// Play; Apply sets the level while the dialog stays open, and Cancel puts back the recorded one.
+TEST_F(DialogTest, LevelDialogShowsTheLevelAndOkSetsTheCheckedOne)
 {
-protected:
-    struct Seen
-    {
-        std::vector<int> checked;
-        bool applyEnabled = false, playEnabled = false;
+    // Opened: brought up at the exclusive level, else only made. Choice: the radio button to
+    // check; 0 none, -1 leave as opened.
+    const struct { bool opened; int choice; int checkedAtOpen; bool applyThenCancel; DWORD level; } rows[] = {
+        {true, -1, IDC_RADIO_COOP_NORMAL, false, DSSCL_NORMAL},
+        {true, IDC_RADIO_COOP_PRIORITY, IDC_RADIO_COOP_NORMAL, false, DSSCL_PRIORITY},
+        {true, 0, IDC_RADIO_COOP_NORMAL, false, DSSCL_EXCLUSIVE},
+        {false, IDC_RADIO_COOP_PRIMARY, IDC_RADIO_COOP_PRIORITY, false, DSSCL_WRITEPRIMARY},
+        {true, IDC_RADIO_COOP_PRIORITY, IDC_RADIO_COOP_NORMAL, true, DSSCL_EXCLUSIVE},
     };
-
-    static void look(HWND dialog, Seen& seen)
+    for (const auto& row : rows)
     {
-        seen.checked = checkedRadios(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY);
-        seen.applyEnabled = isControlEnabled(dialog, IDC_BTN_COOP_APPLY);
-        seen.playEnabled = isControlEnabled(dialog, IDC_BTN_COOP_PLAY);
+        SCOPED_TRACE(row.level);
+        UiDevice leveled;
+        ASSERT_TRUE(row.opened ? leveled.initDSndStimX(host, nullptr, DSSCL_EXCLUSIVE) : leveled.createDSndObject(nullptr));
+        int context = 0;
+        EXPECT_EQ(runDialog(L"Cooperative level", [&](HWND dialog) {
+            EXPECT_EQ(checkedRadios(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY), std::vector<int>{row.checkedAtOpen});
+            EXPECT_EQ(isControlEnabled(dialog, IDC_BTN_COOP_APPLY), row.opened);
+            EXPECT_EQ(isControlEnabled(dialog, IDC_BTN_COOP_PLAY), row.applyThenCancel);
+            if (row.choice >= 0)
+                chooseRadio(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY, row.choice);
+            shoot(dialog, L"CDlgDSndCooperativeLevel");
+            if (row.applyThenCancel)
+            {
+                pressButton(dialog, IDC_BTN_COOP_PLAY);
+                pressButton(dialog, IDC_BTN_COOP_APPLY);
+                for (int tries = 0; tries < 100 && leveled.coopLevel() != DSSCL_PRIORITY; ++tries)
+                    Sleep(20);
+                EXPECT_TRUE(leveled.coopLevel() == DSSCL_PRIORITY && IsWindow(dialog)) << "not applied while open";
+            }
+            pressButton(dialog, row.applyThenCancel ? IDCANCEL : IDOK);
+        }, [&] {
+            return row.opened ? leveled.setCooperativeLevel(host, row.applyThenCancel ? &context : nullptr)
+                              : leveled.setDsndCoopLevelPro(host);
+        }), row.applyThenCancel ? 0 : 1);
+        EXPECT_EQ(leveled.coopLevel(), row.level);
     }
+}
 
-    // Waits for a level that Apply sets while the dialog is still open.
-    bool levelBecomes(DWORD level)
+// The dialog opens on what Wine reports (wide stereo: Wine ignores the configuration set),
+// and each button sets its own configuration.
+TEST_F(DialogTest, SpeakerDialogOpensOnTheCardsConfigurationAndOkSetsTheChosenOne)
+{
+    const DWORD configs[] = {DSSPEAKER_HEADPHONE, DSSPEAKER_MONO, DSSPEAKER_QUAD, DSSPEAKER_SURROUND,
+                             0x50004, 0xA0004, 0x140004, 0xB40004};
+    for (int i = 0; i < 8; ++i)
     {
-        for (int tries = 0; tries < 100 && device.coopLevel() != level; ++tries)
-            Sleep(20);
-        return device.coopLevel() == level;
+        SCOPED_TRACE(i);
+        UiDevice speakers;
+        ASSERT_TRUE(speakers.createDSndObject(nullptr));
+        EXPECT_EQ(runDialog(L"Setup the speaker configuration", [&](HWND dialog) {
+            EXPECT_EQ(checkedRadios(dialog, IDC_RADIO_SPEAKER_HEADPHONE, IDC_RADIO_SPEAKER_STEREO_MAX),
+                      std::vector<int>{IDC_RADIO_SPEAKER_STEREO_WIDE});
+            shoot(dialog, L"CDlgSpeakerConfig");
+            chooseRadio(dialog, IDC_RADIO_SPEAKER_HEADPHONE, IDC_RADIO_SPEAKER_STEREO_MAX, IDC_RADIO_SPEAKER_HEADPHONE + i);
+            pressButton(dialog, IDOK);
+        }, [&] { return speakers.setSpeakerPro(); }), 1);
+        EXPECT_EQ(speakers.m_dwSpeakerConfig, configs[i]);
     }
-
-    UiDevice device;
-};
-
-TEST_F(LevelDialog, ExclusiveOpensOnNormalAndOkAdoptsIt)
-{
-    ASSERT_TRUE(device.initDSndStimX(host, nullptr, DSSCL_EXCLUSIVE));
-    ASSERT_EQ(device.coopLevel(), static_cast<DWORD>(DSSCL_EXCLUSIVE));
-
-    Seen seen;
-    EXPECT_EQ(runDialog(kLevelCaption, [&](HWND dialog) {
-        look(dialog, seen);
-        shoot(dialog, L"CDlgDSndCooperativeLevel");
-        pressButton(dialog, IDOK);
-    }, [&] { return device.setCooperativeLevel(host, nullptr); }), 1);
-
-    EXPECT_EQ(seen.checked, std::vector<int>{IDC_RADIO_COOP_NORMAL}) << "Exclusive has no button of its own";
-    EXPECT_TRUE(seen.applyEnabled);
-    EXPECT_FALSE(seen.playEnabled);
-    EXPECT_EQ(device.coopLevel(), static_cast<DWORD>(DSSCL_NORMAL));
-    EXPECT_EQ(device.getSndDeviceHwnd(), host);
 }
 
-TEST_F(LevelDialog, ApplySetsTheLevelAtOnceAndCancelRestoresTheRecordedOne)
+// The lists open on the current format (a rate not offered shows the highest); OK applies the
+// items chosen, and a rate typed by hand after the range warning.
+TEST_F(DialogTest, PrimaryFormatOpensOnTheCurrentFormatAndOkAppliesTheChosenOne)
 {
-    ASSERT_TRUE(device.initDSndStimX(host, nullptr, DSSCL_EXCLUSIVE));
-    int context = 0;
+    // Item: chosen in each list, -1 to type the rate instead. Opened: the selections of the
+    // channels, rates and bits as the dialog opens.
+    const struct { unsigned rateBefore; int item; std::vector<int> opened; std::vector<std::wstring> boxes;
+                   WAVEFORMATEX applied; } rows[] = {
+        {48000, 0, {1, 2, 1}, {}, pcmFormat(11025, 1, 8)},
+        {11025, -1, {1, 0, 1}, {L"Sound data format is out of control range"}, pcmFormat(48000, 2)},
+    };
+    // The platform gets the level recorded by the call before.
+    ASSERT_TRUE(device.initDSndStimX(host, nullptr, DSSCL_PRIORITY));
+    ASSERT_TRUE(device.setDSndCooperatLevelStd(host, DSSCL_PRIORITY));
+    ASSERT_TRUE(device.createDSndBuff1Primary());
+    const int lists[] = {IDC_CMB_PRIMARY_CHANNEL, IDC_CMB_PRIMARY_SAMPLING_RATE, IDC_CMB_PRIMARY_BITS_PER_SAMPLE};
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.rateBefore);
+        ASSERT_TRUE(device.setDSndPrimaryWfx(pcmFormat(row.rateBefore, 2)));
+        const size_t seen = answeredBoxes().size();
+        EXPECT_EQ(runDialog(L"Setup direct sound primary format", [&](HWND dialog) {
+            std::vector<std::vector<std::wstring>> items;
+            std::vector<int> opened;
+            for (int list : lists)
+            {
+                items.push_back(comboItems(dialog, list));
+                opened.push_back(comboSelection(dialog, list));
+                if (row.item >= 0)
+                    selectComboItem(dialog, list, row.item);
+            }
+            EXPECT_EQ(items, (std::vector<std::vector<std::wstring>>{{L"1", L"2"}, {L"11025", L"22050", L"44100"}, {L"8", L"16"}}));
+            EXPECT_EQ(opened, row.opened);
+            if (row.item < 0)
+                setText(dialog, IDC_CMB_PRIMARY_SAMPLING_RATE, L"48000");
+            shoot(dialog, L"CDlgDSndPrimaryWfx");
+            pressButton(dialog, IDOK);
+        }, [&] { return device.setDSndPrimaryWfxPro(); }), 1);
 
-    Seen seen;
-    bool appliedWhileOpen = false, openAfterPlay = false;
-    EXPECT_EQ(runDialog(kLevelCaption, [&](HWND dialog) {
-        look(dialog, seen);
-        pressButton(dialog, IDC_BTN_COOP_PLAY);
-        chooseRadio(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY, IDC_RADIO_COOP_PRIORITY);
-        pressButton(dialog, IDC_BTN_COOP_APPLY);
-        appliedWhileOpen = levelBecomes(DSSCL_PRIORITY) && IsWindow(dialog);
-        openAfterPlay = IsWindow(dialog);
-        pressButton(dialog, IDCANCEL);
-    }, [&] { return device.setCooperativeLevel(host, &context); }), 0);
-
-    EXPECT_TRUE(seen.playEnabled) << "a context enables Play";
-    EXPECT_TRUE(openAfterPlay) << "Play does nothing";
-    EXPECT_TRUE(appliedWhileOpen);
-    EXPECT_EQ(device.coopLevel(), static_cast<DWORD>(DSSCL_EXCLUSIVE));
-    EXPECT_TRUE(answeredBoxes().empty());
-}
-
-TEST_F(LevelDialog, WithoutADeviceApplyIsDisabledAndOkSetsTheChosenLevel)
-{
-    ASSERT_TRUE(device.createDSndObject(nullptr));
-
-    Seen seen;
-    EXPECT_EQ(runDialog(kLevelCaption, [&](HWND dialog) {
-        look(dialog, seen);
-        chooseRadio(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY, IDC_RADIO_COOP_PRIMARY);
-        pressButton(dialog, IDOK);
-    }, [&] { return device.setDsndCoopLevelPro(host); }), 1);
-
-    EXPECT_EQ(seen.checked, std::vector<int>{IDC_RADIO_COOP_PRIORITY});
-    EXPECT_FALSE(seen.applyEnabled);
-    EXPECT_FALSE(seen.playEnabled);
-    EXPECT_EQ(device.coopLevel(), static_cast<DWORD>(DSSCL_WRITEPRIMARY));
-}
-
-TEST_F(LevelDialog, WithNoButtonCheckedOkKeepsTheLevel)
-{
-    ASSERT_TRUE(device.initDSndStimX(host, nullptr, DSSCL_EXCLUSIVE));
-
-    EXPECT_EQ(runDialog(kLevelCaption, [&](HWND dialog) {
-        chooseRadio(dialog, IDC_RADIO_COOP_NORMAL, IDC_RADIO_COOP_PRIMARY, 0);
-        pressButton(dialog, IDOK);
-    }, [&] { return device.setCooperativeLevel(host, nullptr); }), 1);
-
-    EXPECT_EQ(device.coopLevel(), static_cast<DWORD>(DSSCL_EXCLUSIVE));
+        EXPECT_EQ(answeredBoxes(seen), row.boxes);
+        tWAVEFORMATEX applied{};
+        ASSERT_TRUE(device.getDSndBuffer1PrimaryWfx(&applied));
+        EXPECT_EQ(fieldsOf(applied), fieldsOf(row.applied));
+    }
 }

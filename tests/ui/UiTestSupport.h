@@ -1,12 +1,12 @@
 #pragma once
-// What the dialog tests share: a device whose protected openers are reachable, a host
-// window for the cooperative level, message boxes answered and remembered, and a way to
-// open a dialog on this thread while another thread drives it.
+// What the dialog tests share: a device whose protected openers are reachable, a host window
+// for the cooperative level, a sound buffer with data to load, message boxes answered unseen
+// and remembered, and a way to open a dialog on this thread while another thread drives it.
 
 #include "DirectSndty.h"
 #include "dialogs/resource.h"
 #include "DialogDriver.h"
-#include "WindowShot.h"
+#include "ToneGenerator.h"
 
 #include <gtest/gtest.h>
 
@@ -22,32 +22,56 @@ public:
     using CDirectSndDevice::getDSCAPSPro;
     using CDirectSndDevice1BufferPrimary::createDSndBuff1Primary;
     using CDirectSndDevice3Speak::setSpeakerPro;
-    using CDirectSndDevice::m_pDirectSound;
+    using CDirectSndDevice3Speak::m_dwSpeakerConfig;
 
     DWORD coopLevel() const { return m_dwCoopLevel; }
     CDSndDeviceInfoty* deviceList() const { return m_pDeviceInfo; }
 };
 
+class UiBuffer : public CDirectSnd3DBuffty
+{
+public:
+    using CDirectSnd2DBuff::m_pDSBuffer;
+};
+
 class DialogTest : public ::testing::Test
 {
-protected:
-    void SetUp() override;
-    void TearDown() override;
-
+public:
     // Runs `open` here while `drive` works the dialog with this caption from another
     // thread. A dialog that `drive` leaves open is cancelled, so the test cannot hang.
     int runDialog(const std::wstring& caption, const std::function<void(HWND)>& drive,
                   const std::function<int()>& open);
-    // Lets the dialog paint, then saves its picture under the dialog's class name.
+    // Lets the dialog paint, then saves its picture under the dialog's class name, once a run.
     static void shoot(HWND dialog, const std::wstring& name);
+    // Texts of the controls `ids`, in order.
+    static std::vector<std::wstring> texts(HWND dialog, std::initializer_list<int> ids);
+    // Whether each of the controls `ids` is enabled, as "1010".
+    static std::string enabled(HWND dialog, std::initializer_list<int> ids);
     // Checks `id` and clears the other radio buttons from `first` to `last`, as a click would.
     static void chooseRadio(HWND dialog, int first, int last, int id);
     // Ids of the checked buttons from `first` to `last`.
     static std::vector<int> checkedRadios(HWND dialog, int first, int last);
-    // Lets the real message box show instead of answering it unseen.
-    void showRealMessageBoxes();
-    // Texts of the message boxes answered OK without being shown, in order.
-    static const std::vector<std::wstring>& answeredBoxes();
+    // Tag, channels, rate, bits, block align and byte rate of a format, to compare formats whole.
+    static std::vector<unsigned long> fieldsOf(const WAVEFORMATEX& format);
+    // Rich edit controls may hand line ends back as "\r\n" or "\r".
+    static std::wstring withNewlines(std::wstring text);
+    // Texts of the boxes answered since the test began, from the `from`th on.
+    static std::vector<std::wstring> answeredBoxes(size_t from = 0);
+    // Presses `button` and gives the text of the box that answers it, "" when none does.
+    static std::wstring refusalOf(HWND dialog, int button);
 
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    // Brings the device up at the priority level and puts `seconds` of a 1 kHz tone, 16-bit
+    // mono at 44100 Hz, in `data`.
+    void openDeviceWithTone(double seconds);
+
+    // Message boxes are answered unseen with this, IDOK until told otherwise.
+    static int boxAnswer;
+    static int CALLBACK answerBox(LPCTSTR text, UINT, UINT);
     HWND host = nullptr;
+    UiDevice device;
+    CSndDatatyx data;
+    UiBuffer buffer;  // goes before the device that made it
 };
