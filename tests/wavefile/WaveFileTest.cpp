@@ -121,31 +121,22 @@ TEST(WaveReader, RefusedFilesGiveAReasonAZeroFormatAndNothingToRead)
     EXPECT_EQ(WAVEFILE_ERR_OPEN, reader.getSndFileResult());
 }
 
-// Rearranged: LIST (odd, padded) first, or odd data before fmt; the RIFF size as streaming
-// writers leave it (0, or the maximum); data cut off or overstated, clipped to whole frames.
-TEST(WaveReader, OtherLayoutsAndCutDataStillPlay)
+// The RIFF size as streaming writers leave it (0, or the maximum), or data overstated and
+// clipped to whole frames: the samples still play. (Rearranged chunks, odd data and files cut
+// anywhere are the core's tests.)
+TEST(WaveReader, UnfinishedHeadersStillPlay)
 {
     SKIP_WITHOUT(WAVEFILE_HAVE_SOX);
-    const Bytes sox8 = readData(L"pcm8_mono.wav"), raw8 = readData(L"pcm8_mono.raw");
-    const Bytes fmt(sox8.begin() + 20, sox8.begin() + 36), pcm16 = readData(L"pcm16_stereo.wav");
-    const Bytes raw16 = readData(L"pcm16_stereo.raw");
-    ASSERT_EQ(1u, raw8.size() % 2);
-    const Bytes listFirst = riff({chunk("LIST", {'I', 'N', 'F', 'O', '!'}), chunk("fmt ", fmt), chunk("data", raw8)});
-    const Bytes dataFirst = riff({chunk("data", raw8), chunk("fmt ", fmt), chunk("LIST", {'I', 'N', 'F', 'O'})});
-    const struct { Bytes file, samples; bool clipped; } cases[] = {
-        {listFirst, raw8, false},
-        {poke32(listFirst, 4, 0), raw8, false},
-        {poke32(dataFirst, 4, 0xFFFFFFFF), raw8, false},
-        {Bytes(pcm16.begin(), pcm16.begin() + 44 + 4 * 25 + 3), Bytes(raw16.begin(), raw16.begin() + 4 * 25), true},
-        {poke32(pcm16, 40, 0xFFFFFFF0), raw16, true},
-    };
+    const Bytes pcm16 = readData(L"pcm16_stereo.wav"), raw16 = readData(L"pcm16_stereo.raw");
+    const struct { Bytes file; bool clipped; } cases[] = {
+        {poke32(pcm16, 4, 0), false}, {poke32(pcm16, 4, 0xFFFFFFFF), false}, {poke32(pcm16, 40, 0xFFFFFFF0), true}};
     for (const auto& c : cases)
     {
         writeFile(dataPath(L"layout.wav"), c.file);
         CSndDataReadtyStream reader;
         ASSERT_EQ(1, openWith(reader, dataPath(L"layout.wav")).result);
         EXPECT_EQ(c.clipped, reader.isSndDataClipped() != FALSE);
-        EXPECT_EQ(c.samples, readAll(reader, 64));
+        EXPECT_EQ(raw16, readAll(reader, 64));
     }
 }
 
