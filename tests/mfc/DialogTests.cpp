@@ -1,138 +1,205 @@
-// Modal dialogs with data exchange, driven from a second thread.
-#include "NumbersDialog.h"
-#include "TestSupport.h"
+// Dialogs, data exchange, message maps, message boxes and the extension-module resource
+// chain, on real windows worked from a second thread.
+#include "DialogDriver.h"
+#include "MfcTestIds.h"
+#include <afxcmn.h>
+#include <afxdlgs.h>
+#include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
+#include <thread>
+#include <tuple>
 
-using namespace mfctest;
+using namespace dsty_test;
 
 namespace
 {
 const wchar_t kCaption[] = L"Numbers under test";
+const UINT_PTR kTimerId = 7;
 
-bool isChecked(HWND dialog, int id)
+// Every exchange the library uses, and a handler of each kind it dispatches.
+class CNumbersDialog : public CDialog
 {
-    return sendItem(dialog, id, BM_GETCHECK) == BST_CHECKED;
+public:
+    CNumbersDialog() : CDialog(IDD_NUMBERS) {}
+
+    int m_nInt = 5;
+    float m_fFloat = 2.5f;
+    UINT m_nUint = 7;
+    CString m_strText = L"abc";
+    int m_nRadio = 1, m_nCombo = 2, m_nSlider = 30;
+    CComboBox m_combo;
+    CSliderCtrl m_slider;
+    std::atomic<int> m_nPings{0}, m_nSelChanges{0}, m_nTimers{0}, m_nOkCalls{0};
+    std::atomic<int> m_nSliderSeen{-1}; // the slider's position, when the scroll came from it
+    std::atomic<UINT> m_nScrollPosArg{0};
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        CDialog::DoDataExchange(pDX);
+        DDX_Control(pDX, IDC_COMBO, m_combo);
+        DDX_Control(pDX, IDC_SLIDER, m_slider);
+        DDX_Text(pDX, IDC_INT, m_nInt);
+        DDV_MinMaxInt(pDX, m_nInt, -42, 100000);
+        DDX_Text(pDX, IDC_FLOAT, m_fFloat);
+        DDV_MinMaxFloat(pDX, m_fFloat, 0.0f, 10.0f);
+        DDX_Text(pDX, IDC_UINT, m_nUint);
+        DDX_Text(pDX, IDC_TEXT, m_strText);
+        DDX_Radio(pDX, IDC_RADIO_A, m_nRadio);
+        DDX_CBIndex(pDX, IDC_COMBO, m_nCombo);
+        DDX_Slider(pDX, IDC_SLIDER, m_nSlider);
+    }
+    BOOL OnInitDialog() override
+    {
+        // The list is filled before the base class shows the members in the controls.
+        for (const wchar_t* item : {L"zero", L"one", L"two"})
+            ::SendDlgItemMessageW(m_hWnd, IDC_COMBO, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item));
+        CDialog::OnInitDialog();
+        SetTimer(kTimerId, 20, NULL);
+        return TRUE;
+    }
+    void OnOK() override
+    {
+        ++m_nOkCalls;
+        CDialog::OnOK();
+    }
+    afx_msg void OnPing() { ++m_nPings; }
+    afx_msg void OnComboSelChange() { ++m_nSelChanges; }
+    afx_msg void OnHScroll(UINT, UINT nPos, CScrollBar* pScrollBar)
+    {
+        m_nScrollPosArg = nPos;
+        m_nSliderSeen = static_cast<CWnd*>(pScrollBar) == &m_slider ? m_slider.GetPos() : -2;
+    }
+    afx_msg void OnTimer(UINT_PTR nIDEvent)
+    {
+        if (nIDEvent == kTimerId && KillTimer(kTimerId))
+            ++m_nTimers;
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CNumbersDialog, CDialog)
+    ON_BN_CLICKED(IDC_PING, &CNumbersDialog::OnPing)
+    ON_CBN_SELCHANGE(IDC_COMBO, &CNumbersDialog::OnComboSelChange)
+    ON_WM_HSCROLL()
+    ON_WM_TIMER()
+END_MESSAGE_MAP()
+
+// Message boxes are answered OK on the dialog's thread; the texts are read there too, the
+// count from the driving thread.
+std::vector<std::wstring> g_boxes;
+std::atomic<size_t> g_boxCount{0};
+
+int CALLBACK recordBox(LPCTSTR text, UINT, UINT)
+{
+    g_boxes.push_back(text);
+    ++g_boxCount;
+    return IDOK;
 }
 
-void check(HWND dialog, int id, bool checked)
+struct RecordedBoxes
 {
-    sendItem(dialog, id, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
+    RecordedBoxes()
+    {
+        g_boxes.clear();
+        g_boxCount = 0;
+        AfxSetMessageBoxAnswerer(recordBox);
+    }
+    ~RecordedBoxes() { AfxSetMessageBoxAnswerer(NULL); }
+};
+
+bool waitFor(const std::function<bool()>& condition)
+{
+    for (int waited = 0; waited < 5000 && !condition(); waited += 10)
+        ::Sleep(10);
+    return condition();
 }
 
-// Types text into one edit, presses OK and waits for the refusal.
-void enterAndWaitForRefusal(HWND dialog, const RecordingAnswerer& answerer, int id, const wchar_t* text)
+// The modal loop answers a sent message only once the handler now running has returned.
+void settle(HWND dialog)
 {
-    size_t before = answerer.count();
-    setItemText(dialog, id, text);
-    clickButton(dialog, IDOK);
-    EXPECT_TRUE(waitUntil([&] { return answerer.count() > before; })) << "no prompt for " << id;
-    ::SendMessageW(dialog, WM_NULL, 0, 0); // the refusal has been handled when this returns
+    ::SendMessageW(dialog, WM_NULL, 0, 0);
+}
+
+void closeWith(HWND window, int button)
+{
+    pressButton(window, button);
+    waitUntilGone(window);
+}
+
+// Runs `dialog` modally while `script` works it from a second thread; a window the script
+// leaves open is cancelled, so a failing test cannot hang.
+template <class Dialog, class Script>
+INT_PTR runModal(Dialog& dialog, const wchar_t* caption, Script script)
+{
+    std::thread user([&] {
+        if (HWND window = waitForWindow(caption))
+        {
+            script(window);
+            if (::IsWindow(window))
+                closeWith(window, IDCANCEL);
+        }
+    });
+    const INT_PTR result = dialog.DoModal();
+    user.join();
+    return result;
 }
 } // namespace
 
 TEST(DataExchange, ShowsMembersAndTakesGoodEntriesBack)
 {
-    RecordingAnswerer answerer;
+    RecordedBoxes boxes;
     CNumbersDialog dialog;
     std::wstring shown[4];
     bool radiosShown = false;
     LRESULT comboShown = -1, sliderShown = -1;
-    WindowDriver driver(kCaption, [&](HWND dlg) {
+    EXPECT_EQ(IDOK, runModal(dialog, kCaption, [&](HWND dlg) {
         for (int i = 0; i < 4; ++i)
-            shown[i] = itemText(dlg, IDC_INT + i);
-        radiosShown = !isChecked(dlg, IDC_RADIO_A) && !isChecked(dlg, IDC_CHECK_IN_GROUP) &&
-                      isChecked(dlg, IDC_RADIO_B) && !isChecked(dlg, IDC_RADIO_C);
-        comboShown = sendItem(dlg, IDC_COMBO, CB_GETCURSEL);
-        sliderShown = sendItem(dlg, IDC_SLIDER, TBM_GETPOS);
-
-        setItemText(dlg, IDC_INT, L" \t-42 ");
-        setItemText(dlg, IDC_FLOAT, L"3.25");
-        setItemText(dlg, IDC_UINT, L"4000000");
-        setItemText(dlg, IDC_TEXT, L"hello");
-        check(dlg, IDC_RADIO_B, false);
-        check(dlg, IDC_CHECK_IN_GROUP, true); // not a radio: must not count
-        check(dlg, IDC_RADIO_C, true);
-        sendItem(dlg, IDC_COMBO, CB_SETCURSEL, 0);
-        sendItem(dlg, IDC_SLIDER, TBM_SETPOS, TRUE, 75);
-        clickButton(dlg, IDOK);
-        waitClosed(dlg);
-    });
-    EXPECT_EQ(IDOK, dialog.DoModal());
-
-    EXPECT_EQ(L"5", shown[0]);
-    EXPECT_EQ(L"2.5", shown[1]);
-    EXPECT_EQ(L"7", shown[2]);
-    EXPECT_EQ(L"abc", shown[3]);
+            shown[i] = controlText(dlg, IDC_INT + i);
+        radiosShown = !isChecked(dlg, IDC_RADIO_A) && isChecked(dlg, IDC_RADIO_B) && !isChecked(dlg, IDC_RADIO_C);
+        comboShown = comboSelection(dlg, IDC_COMBO);
+        sliderShown = ::SendDlgItemMessageW(dlg, IDC_SLIDER, TBM_GETPOS, 0, 0);
+        // Both range limits are accepted.
+        setText(dlg, IDC_INT, L" \t-42 ");
+        setText(dlg, IDC_FLOAT, L"10.0");
+        setText(dlg, IDC_UINT, L"4000000");
+        setText(dlg, IDC_TEXT, L"hello");
+        setCheck(dlg, IDC_RADIO_B, false);
+        setCheck(dlg, IDC_CHECK_IN_GROUP, true); // not a radio: must not count
+        setCheck(dlg, IDC_RADIO_C, true);
+        ::SendDlgItemMessageW(dlg, IDC_COMBO, CB_SETCURSEL, 0, 0);
+        ::SendDlgItemMessageW(dlg, IDC_SLIDER, TBM_SETPOS, TRUE, 75);
+        closeWith(dlg, IDOK);
+    }));
+    EXPECT_EQ((std::vector<std::wstring>{L"5", L"2.5", L"7", L"abc"}), std::vector<std::wstring>(shown, shown + 4));
     EXPECT_TRUE(radiosShown);
     EXPECT_EQ(2, comboShown);
     EXPECT_EQ(30, sliderShown);
-
-    EXPECT_EQ(-42, dialog.m_nInt);
-    EXPECT_EQ(3.25f, dialog.m_fFloat);
-    EXPECT_EQ(4000000u, dialog.m_nUint);
-    EXPECT_STREQ(L"hello", dialog.m_strText);
-    EXPECT_EQ(2, dialog.m_nRadio);
-    EXPECT_EQ(0, dialog.m_nCombo);
-    EXPECT_EQ(75, dialog.m_nSlider);
-    EXPECT_EQ(0u, answerer.count());
+    EXPECT_EQ(std::make_tuple(-42, 10.0f, 4000000u, std::wstring(L"hello"), 2, 0, 75),
+              std::make_tuple(dialog.m_nInt, dialog.m_fFloat, dialog.m_nUint, std::wstring(dialog.m_strText),
+                              dialog.m_nRadio, dialog.m_nCombo, dialog.m_nSlider));
+    EXPECT_TRUE(g_boxes.empty());
     // The window is gone and every object let go of it.
     EXPECT_EQ(nullptr, dialog.m_hWnd);
     EXPECT_EQ(nullptr, dialog.m_combo.m_hWnd);
-    EXPECT_EQ(nullptr, dialog.m_slider.m_hWnd);
+
+    EXPECT_EQ(IDOK, runModal(dialog, kCaption, [](HWND dlg) {
+        setCheck(dlg, IDC_RADIO_C, false);
+        setCheck(dlg, IDC_RADIO_OTHER, true); // another group
+        closeWith(dlg, IDOK);
+    }));
+    EXPECT_EQ(-1, dialog.m_nRadio) << "no button of the group checked";
 }
 
-TEST(DataExchange, NoRadioCheckedGivesMinusOne)
+// A refused entry keeps the dialog open with the whole entry selected for retyping.
+TEST(DataExchange, RefusesWhatIsNotWhollyANumberInRange)
 {
-    CNumbersDialog dialog;
-    WindowDriver driver(kCaption, [](HWND dlg) {
-        check(dlg, IDC_RADIO_B, false);
-        check(dlg, IDC_RADIO_OTHER, true); // another group
-        clickButton(dlg, IDOK);
-        waitClosed(dlg);
-    });
-    EXPECT_EQ(IDOK, dialog.DoModal());
-    EXPECT_EQ(-1, dialog.m_nRadio);
-}
-
-TEST(DataExchange, BadIntegerKeepsTheDialogOpenUntilCorrected)
-{
-    RecordingAnswerer answerer;
-    CNumbersDialog dialog;
-    bool openAfterRefusal = false;
-    HWND focus = NULL, intEdit = NULL;
-    DWORD selection = 0;
-    WindowDriver driver(kCaption, [&](HWND dlg) {
-        enterAndWaitForRefusal(dlg, answerer, IDC_INT, L"12abc");
-        openAfterRefusal = ::IsWindow(dlg) != FALSE;
-        GUITHREADINFO info = {};
-        info.cbSize = sizeof(info);
-        ::GetGUIThreadInfo(::GetWindowThreadProcessId(dlg, NULL), &info);
-        focus = info.hwndFocus;
-        intEdit = ::GetDlgItem(dlg, IDC_INT);
-        selection = (DWORD)sendItem(dlg, IDC_INT, EM_GETSEL);
-        setItemText(dlg, IDC_INT, L"12");
-        clickButton(dlg, IDOK);
-        waitClosed(dlg);
-    });
-    EXPECT_EQ(IDOK, dialog.DoModal());
-    EXPECT_TRUE(openAfterRefusal);
-    EXPECT_EQ(intEdit, focus);
-    EXPECT_EQ(MAKELONG(0, 5), (LONG)selection); // all of "12abc" selected for retyping
-    EXPECT_EQ(12, dialog.m_nInt);
-    EXPECT_EQ(2, dialog.m_nOkCalls.load());
-    auto boxes = answerer.boxes();
-    ASSERT_EQ(1u, boxes.size());
-    EXPECT_EQ(L"Please enter an integer.", boxes[0].text);
-    EXPECT_EQ((UINT)MB_ICONEXCLAMATION, boxes[0].type);
-    EXPECT_EQ(0xF110u, boxes[0].helpId);
-}
-
-TEST(DataExchange, RefusesWhatIsNotWhollyANumber)
-{
-    struct Case { int id; const wchar_t* text; const wchar_t* prompt; } cases[] = {
+    const struct { int id; const wchar_t* text; const wchar_t* prompt; } cases[] = {
         {IDC_INT, L"", L"Please enter an integer."},
         {IDC_INT, L"1 2", L"Please enter an integer."},
         {IDC_INT, L"99999999999", L"Please enter an integer."},
+        {IDC_INT, L"-43", L"Please enter an integer between -42 and 100000."},
         {IDC_FLOAT, L"abc", L"Please enter a number."},
         {IDC_FLOAT, L"1e999", L"Please enter a number."},
         {IDC_FLOAT, L"10.5", L"Please enter a number between 0 and 10."},
@@ -140,64 +207,109 @@ TEST(DataExchange, RefusesWhatIsNotWhollyANumber)
         {IDC_UINT, L"-1", L"Please enter a positive integer."},
         {IDC_UINT, L"5x", L"Please enter a positive integer."},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
-        RecordingAnswerer answerer;
+        RecordedBoxes boxes;
         CNumbersDialog dialog;
-        WindowDriver driver(kCaption, [&](HWND dlg) {
-            enterAndWaitForRefusal(dlg, answerer, c.id, c.text);
-            clickButton(dlg, IDCANCEL);
-            waitClosed(dlg);
-        });
-        EXPECT_EQ(IDCANCEL, dialog.DoModal()) << c.text;
-        auto boxes = answerer.boxes();
-        ASSERT_EQ(1u, boxes.size()) << c.text;
-        EXPECT_EQ(c.prompt, boxes[0].text) << c.text;
+        HWND focus = NULL, edit = NULL;
+        DWORD selection = 0;
+        EXPECT_EQ(IDCANCEL, runModal(dialog, kCaption, [&](HWND dlg) {
+            setText(dlg, c.id, c.text);
+            pressButton(dlg, IDOK);
+            waitFor([] { return g_boxCount > 0; });
+            settle(dlg);
+            GUITHREADINFO info = {};
+            info.cbSize = sizeof info;
+            ::GetGUIThreadInfo(::GetWindowThreadProcessId(dlg, NULL), &info);
+            focus = info.hwndFocus;
+            edit = ::GetDlgItem(dlg, c.id);
+            selection = static_cast<DWORD>(::SendMessageW(edit, EM_GETSEL, 0, 0));
+        })) << c.text;
+        EXPECT_EQ(std::vector<std::wstring>{c.prompt}, g_boxes) << c.text;
+        EXPECT_EQ(edit, focus) << c.text;
+        EXPECT_EQ(MAKELONG(0, wcslen(c.text)), static_cast<LONG>(selection)) << c.text;
     }
 }
 
-TEST(DataExchange, FloatAtTheRangeLimitIsAccepted)
+// The same object runs twice: its controls' objects bind again to the new window.
+TEST(MessageMap, RoutesNotificationsScrollAndTimerToTheirHandlers)
 {
-    RecordingAnswerer answerer;
     CNumbersDialog dialog;
-    WindowDriver driver(kCaption, [](HWND dlg) {
-        setItemText(dlg, IDC_FLOAT, L"10.0");
-        clickButton(dlg, IDOK);
-        waitClosed(dlg);
-    });
-    EXPECT_EQ(IDOK, dialog.DoModal());
-    EXPECT_EQ(10.0f, dialog.m_fFloat);
-    EXPECT_EQ(0u, answerer.count());
+    for (int run = 1; run <= 2; ++run)
+    {
+        EXPECT_EQ(IDOK, runModal(dialog, kCaption, [&](HWND dlg) {
+            EXPECT_TRUE(waitFor([&] { return dialog.m_nTimers == run; }));
+            pressButton(dlg, IDC_PING);
+            ::PostMessageW(dlg, WM_COMMAND, MAKEWPARAM(IDC_PING, CBN_SELCHANGE), // right id, wrong code
+                           reinterpret_cast<LPARAM>(::GetDlgItem(dlg, IDC_PING)));
+            selectComboItem(dlg, IDC_COMBO, 1);
+            // A real notification: the trackbar moves one line on a key and tells its parent.
+            HWND slider = ::GetDlgItem(dlg, IDC_SLIDER);
+            ::SendMessageW(slider, TBM_SETPOS, TRUE, 40);
+            dialog.m_nSliderSeen = -1;
+            ::PostMessageW(slider, WM_KEYDOWN, VK_RIGHT, 0);
+            EXPECT_TRUE(waitFor([&] { return dialog.m_nSliderSeen == 41; }));
+            // The position word is signed, as MFC passes it.
+            ::SendMessageW(dlg, WM_HSCROLL, MAKEWPARAM(SB_THUMBTRACK, 0xFFFF), reinterpret_cast<LPARAM>(slider));
+            EXPECT_EQ(static_cast<UINT>(-1), dialog.m_nScrollPosArg.load());
+            closeWith(dlg, IDOK);
+        }));
+    }
+    EXPECT_EQ(2, dialog.m_nPings.load());
+    EXPECT_EQ(2, dialog.m_nSelChanges.load());
+    EXPECT_EQ(2, dialog.m_nOkCalls.load()); // the override ran, then the base closed
+}
+
+TEST(MessageBoxes, AnswererReplacesTheBoxAndWithoutOneTheBoxCarriesTheAppName)
+{
+    {
+        RecordedBoxes boxes;
+        EXPECT_EQ(IDOK, AfxMessageBox(L"Please initialize sound card first!", MB_YESNO));
+        EXPECT_EQ(std::vector<std::wstring>{L"Please initialize sound card first!"}, g_boxes);
+    }
+    EXPECT_STREQ(L"mfc_tests", AfxGetAppName());
+    std::optional<std::wstring> text;
+    std::thread user([&] { text = answerMessageBox(AfxGetAppName(), IDNO); });
+    EXPECT_EQ(IDNO, AfxMessageBox(L"Shown for real", MB_YESNO));
+    user.join();
+    EXPECT_EQ(L"Shown for real", text.value_or(L""));
+}
+
+TEST(ExtensionModules, TemplatesAreFoundInRegisteredDllsAfterTheHost)
+{
+    HINSTANCE host = AfxGetResourceHandle();
+    EXPECT_EQ(::GetModuleHandleW(NULL), host);
+    HMODULE dll = ::LoadLibraryW(L"mfc_test_resources.dll");
+    ASSERT_NE(nullptr, dll);
+    LPCWSTR dllOnly = MAKEINTRESOURCEW(IDD_DLL_ONLY);
+    EXPECT_EQ(host, AfxFindResourceHandle(dllOnly, RT_DIALOG)); // not registered yet
+
+    AFX_EXTENSION_MODULE module = {};
+    ASSERT_TRUE(AfxInitExtensionModule(module, dll));
+    new CDynLinkLibrary(module);
+    EXPECT_EQ(dll, AfxFindResourceHandle(dllOnly, RT_DIALOG));
+    EXPECT_EQ(host, AfxFindResourceHandle(MAKEINTRESOURCEW(IDD_NUMBERS), RT_DIALOG));
+    CDialog fromDll(IDD_DLL_ONLY);
+    EXPECT_EQ(IDOK, runModal(fromDll, L"Dialog from the extension DLL", [](HWND dlg) { closeWith(dlg, IDOK); }));
+
+    AfxTermExtensionModule(module);
+    EXPECT_EQ(host, AfxFindResourceHandle(dllOnly, RT_DIALOG));
+    ::FreeLibrary(dll);
+}
+
+TEST(FileDialogs, FilterAndNamesInMfcsForm)
+{
+    CFileDialog dialog(FALSE, NULL, NULL, OFN_OVERWRITEPROMPT, L"Wave sound files(*.WAV)|*.WAV|All files(*.*)|*.*||");
+    const wchar_t filter[] = L"Wave sound files(*.WAV)\0*.WAV\0All files(*.*)\0*.*\0";
+    EXPECT_EQ(0, memcmp(filter, dialog.m_ofn.lpstrFilter, sizeof(filter)));
+    lstrcpyW(dialog.m_ofn.lpstrFile, L"C:\\Data\\take.one.wav");
+    EXPECT_STREQ(L"take.one.wav", dialog.GetFileName());
+    EXPECT_STREQ(L"wav", dialog.GetFileExt());
+    EXPECT_STREQ(L"take.one", dialog.GetFileTitle());
 }
 
 TEST(Dialogs, MissingTemplateFailsWithoutAWindow)
 {
     CDialog missing(IDD_NOWHERE);
     EXPECT_EQ(-1, missing.DoModal());
-    EXPECT_FALSE(missing.Create(IDD_NOWHERE));
-}
-
-TEST(Dialogs, ModelessDialogIsDestroyedWithItsObject)
-{
-    HWND window = NULL, combo = NULL;
-    {
-        CNumbersDialog dialog;
-        ASSERT_TRUE(dialog.Create(IDD_NUMBERS));
-        window = dialog.m_hWnd;
-        combo = dialog.m_combo.m_hWnd;
-        EXPECT_EQ(&dialog, CWnd::FromHandlePermanent(window));
-        EXPECT_EQ(&dialog.m_combo, CWnd::FromHandle(combo));
-        EXPECT_EQ(L"abc", itemText(window, IDC_TEXT));
-
-        // Outside any message an unattached window gets a temporary object.
-        HWND edit = ::GetDlgItem(window, IDC_INT);
-        CWnd* temporary = dialog.GetDlgItem(IDC_INT);
-        EXPECT_EQ(edit, temporary->m_hWnd);
-        EXPECT_EQ(nullptr, CWnd::FromHandlePermanent(edit));
-        CWnd::DeleteTempMap();
-        EXPECT_TRUE(::IsWindow(edit));
-    }
-    EXPECT_FALSE(::IsWindow(window));
-    EXPECT_EQ(nullptr, CWnd::FromHandlePermanent(window));
-    EXPECT_EQ(nullptr, CWnd::FromHandlePermanent(combo));
 }

@@ -4,6 +4,7 @@
 #include "DeviceTestSupport.h"
 
 #include <cstring>
+#include <tuple>
 
 namespace
 {
@@ -37,51 +38,16 @@ template <class T> std::vector<unsigned char> bytesOf(T value)
 class Buffer3DFileTest : public DeviceTest
 {
 protected:
-    Buffer3DFileTest()
-    {
-        wchar_t dir[MAX_PATH], name[MAX_PATH];
-        GetTempPathW(MAX_PATH, dir);
-        GetTempFileNameW(dir, L"d3f", 0, name);
-        path = name;
-    }
-    ~Buffer3DFileTest() override { DeleteFileW(path.c_str()); }
-
-    int store(File3DBuffer& buffer)
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
-        CArchive ar(&file, CArchive::store);
-        const int result = buffer.serialize(ar);
-        ar.Close();
-        return result;
-    }
-    int load(File3DBuffer& buffer)
-    {
-        CFile file(path.c_str(), CFile::modeRead);
-        CArchive ar(&file, CArchive::load);
-        return buffer.serialize(ar);
-    }
-    std::vector<unsigned char> bytes()
-    {
-        CFile file(path.c_str(), CFile::modeRead);
-        std::vector<unsigned char> data(static_cast<size_t>(file.GetLength()));
-        file.Read(data.data(), static_cast<UINT>(data.size()));
-        return data;
-    }
-    void write(const std::vector<unsigned char>& data)
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
-        file.Write(data.data(), static_cast<UINT>(data.size()));
-    }
     // The stored file of a filled buffer.
     std::vector<unsigned char> filledFile()
     {
         File3DBuffer source;
         source.fill();
-        EXPECT_EQ(1, store(source));
-        return bytes();
+        EXPECT_EQ(1, file.store(source));
+        return file.bytes();
     }
 
-    std::wstring path;
+    ArchiveFile file;
 };
 
 TEST_F(Buffer3DFileTest, StoresHeaderThenEveryFieldAtItsOffsetListenerFirst)
@@ -119,10 +85,9 @@ TEST_F(Buffer3DFileTest, LoadRestoresEveryFieldAndCommitsTheRecordsWithoutDirect
     filledFile();
     File3DBuffer expected, loaded;
     expected.fill();
-    ASSERT_EQ(1, load(loaded));
-    EXPECT_EQ(expected.m_fPlayLength, loaded.m_fPlayLength);
-    EXPECT_EQ(expected.m_fElapsedTime, loaded.m_fElapsedTime);
-    EXPECT_EQ(expected.m_dsbd.dwBufferBytes, loaded.m_dsbd.dwBufferBytes);
+    ASSERT_EQ(1, file.load(loaded));
+    EXPECT_EQ(std::make_tuple(expected.m_fPlayLength, expected.m_fElapsedTime, expected.m_dsbd.dwBufferBytes),
+              std::make_tuple(loaded.m_fPlayLength, loaded.m_fElapsedTime, loaded.m_dsbd.dwBufferBytes));
     EXPECT_TRUE(sameFormat(expected.m_wfx, loaded.m_wfx));
     EXPECT_EQ(0, memcmp(&expected.m_ds3dBuffer, &loaded.m_ds3dBuffer, sizeof(DS3DBUFFER)));
     EXPECT_EQ(0, memcmp(&expected.m_ds3dListener, &loaded.m_ds3dListener, sizeof(DS3DLISTENER)));
@@ -139,10 +104,10 @@ TEST_F(Buffer3DFileTest, AnotherMagicOrVersionIsRefusedBeforeTheBody)
     {
         std::vector<unsigned char> bad = good;
         bad[at] += 1; // "DIRECTSND3DTYY", version 20040321
-        write(bad);
+        file.write(bad);
         messages.clear();
         File3DBuffer loaded;
-        EXPECT_EQ(0, load(loaded)) << at;
+        EXPECT_EQ(0, file.load(loaded)) << at;
         EXPECT_EQ((std::vector<std::wstring>{L"CDirectSnd3DBuffty: bad format!"}), messages.texts());
         EXPECT_EQ(0u, loaded.m_ds3dBuffer.dwSize);
         EXPECT_EQ(0u, loaded.m_dsbd.dwBufferBytes);
@@ -156,24 +121,14 @@ TEST_F(Buffer3DFileTest, NarrowMagicIsAcceptedAndACutOffFileThrowsAfterTheFields
     for (char ch : std::string("DIRECTSND3DTYX"))
         narrow.push_back(static_cast<unsigned char>(ch));
     narrow.insert(narrow.end(), good.begin() + 32, good.end());
-    write(narrow);
+    file.write(narrow);
     File3DBuffer loaded;
-    EXPECT_EQ(1, load(loaded));
+    EXPECT_EQ(1, file.load(loaded));
     EXPECT_EQ(88200u, loaded.m_dsbd.dwBufferBytes);
 
-    write(std::vector<unsigned char>(good.begin(), good.begin() + 100));
+    file.write(std::vector<unsigned char>(good.begin(), good.begin() + 100));
     File3DBuffer cut;
-    bool thrown = false;
-    try
-    {
-        load(cut);
-    }
-    catch (CArchiveException* e)
-    {
-        thrown = e->m_cause == CArchiveException::endOfFile;
-        e->Delete();
-    }
-    EXPECT_TRUE(thrown);
+    EXPECT_EQ(CArchiveException::endOfFile, file.loadFailure(cut));
     EXPECT_EQ(44100u, cut.m_wfx.nSamplesPerSec);
     EXPECT_EQ(4.0f, cut.m_ds3dListener.vVelocity.x);
     EXPECT_EQ(0u, cut.m_ds3dBuffer.dwSize);

@@ -113,6 +113,8 @@ TEST_F(CaptureTest, PositionTableLeavesOutTheLastPositionAndAFullBufferSignalsSt
     EXPECT_EQ(29999u, tap.notificationSets().back().positions.size());
     EXPECT_EQ(29999, tap.openNotificationHandles());
 
+    tap.failNext("IDirectSoundCaptureBuffer::Start", S_FALSE); // a Start that did nothing is no recording
+    EXPECT_EQ(0, capture->recordStart());
     ASSERT_EQ(1, capture->recordStart()); // 8000 bytes are 45 ms of sound: capture ends by itself
     ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(capture->m_posNotify[0].hEventNotify, 5000));
     EXPECT_EQ(1, capture->isStopNotified());

@@ -44,17 +44,38 @@ void MessageBoxLog::clear()
     g_texts.clear();
 }
 
+ArchiveFile::ArchiveFile()
+{
+    wchar_t folder[MAX_PATH], name[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    GetTempFileNameW(folder, L"dst", 0, name);
+    path = name;
+}
+
+ArchiveFile::~ArchiveFile()
+{
+    DeleteFileW(path.c_str());
+}
+
+std::vector<unsigned char> ArchiveFile::bytes() const
+{
+    CFile file(path.c_str(), CFile::modeRead);
+    std::vector<unsigned char> data(static_cast<size_t>(file.GetLength()));
+    if (!data.empty())
+        file.Read(data.data(), static_cast<UINT>(data.size()));
+    return data;
+}
+
+void ArchiveFile::write(const std::vector<unsigned char>& data) const
+{
+    CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+    file.Write(data.data(), static_cast<UINT>(data.size()));
+}
+
 tWAVEFORMATEX pcmFormat(WORD channels, DWORD rate, WORD bits)
 {
-    tWAVEFORMATEX wfx;
-    wfx.wFormatTag = WAVE_FORMAT_PCM;
-    wfx.nChannels = channels;
-    wfx.nSamplesPerSec = rate;
-    wfx.wBitsPerSample = bits;
-    wfx.nBlockAlign = static_cast<WORD>(channels * bits / 8);
-    wfx.nAvgBytesPerSec = rate * wfx.nBlockAlign;
-    wfx.cbSize = 0;
-    return wfx;
+    const WORD align = static_cast<WORD>(channels * bits / 8);
+    return {WAVE_FORMAT_PCM, channels, rate, rate * align, align, bits, 0};
 }
 
 bool sameFormat(const tWAVEFORMATEX& a, const tWAVEFORMATEX& b)

@@ -21,7 +21,6 @@ public:
     using CDirectSndDevice::getDSCAPSPro;
     using CDirectSndDevice::get2ndChannels;
     using CDirectSndDevice::get2ndSampleBits;
-    using CDirectSndDevice::getTotalHwMemBytes;
     using CDirectSndDevice::m_dwCoopLevel;
     using CDirectSndDevice::m_dsCaps;
     using CDirectSndDevice1BufferPrimary::createDSndBuff1Primary;
@@ -46,6 +45,47 @@ public:
     std::vector<std::wstring> texts() const;
     bool saw(const std::wstring& text) const;
     void clear();
+};
+
+// A file in the temporary folder, for the objects that store their settings with serialize.
+class ArchiveFile
+{
+public:
+    ArchiveFile();
+    ~ArchiveFile();
+    template <class T> int store(T& object)
+    {
+        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+        CArchive ar(&file, CArchive::store);
+        const int result = object.serialize(ar);
+        ar.Close();
+        return result;
+    }
+    template <class T> int load(T& object)
+    {
+        CFile file(path.c_str(), CFile::modeRead);
+        CArchive ar(&file, CArchive::load);
+        return object.serialize(ar);
+    }
+    // The cause of the archive exception a load ends in; CArchiveException::none if none.
+    template <class T> int loadFailure(T& object)
+    {
+        try
+        {
+            load(object);
+        }
+        catch (CArchiveException* e)
+        {
+            const int cause = e->m_cause;
+            e->Delete();
+            return cause;
+        }
+        return CArchiveException::none;
+    }
+    std::vector<unsigned char> bytes() const;
+    void write(const std::vector<unsigned char>& data) const;
+
+    std::wstring path;
 };
 
 tWAVEFORMATEX pcmFormat(WORD channels, DWORD rate, WORD bits);

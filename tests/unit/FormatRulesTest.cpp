@@ -1,4 +1,6 @@
 #include "DeviceTestSupport.h"
+#include "SignalAnalysis.h"
+#include "ToneGenerator.h"
 
 #include <functional>
 
@@ -63,4 +65,19 @@ TEST_F(FormatRulesTest, OnlyExactSuccessPassesTheResultTest)
         EXPECT_EQ(hr == S_OK ? 1 : 0, device.traceHR()) << hr;
     }
 }
+}
+
+// The loopback tests measure what they hear with this analysis: it must be able to tell a
+// recording is wrong, or they could not fail.
+TEST(LoopbackAnalysis, TellsTheToneFromSilenceAndFromAnotherPitch)
+{
+    const auto tone = dsty_test::sineTone(1000.0, -6.0, 0.25, 44100, dsty_test::ToneChannels::LeftOnly);
+    const dsty_test::PcmView pcm = dsty_test::view(tone, 2);
+    EXPECT_NEAR(1000.0, dsty_test::dominantFrequency(pcm, 0, 44100), 2.0);
+    EXPECT_NEAR(-6.0, dsty_test::rmsDbfs(pcm, 0), 0.05);
+    EXPECT_LT(dsty_test::goertzelAmplitude(pcm, 0, 1300.0, 44100), 0.01);
+    EXPECT_LT(dsty_test::rmsDbfs(pcm, 1), -150.0);
+    EXPECT_EQ(0.0, dsty_test::dominantFrequency(pcm, 1, 44100));
+    EXPECT_EQ(0, dsty_test::onsetFrame(pcm, -30.0, 50));
+    EXPECT_EQ(-1, dsty_test::onsetFrame(pcm, -3.0, 50));
 }

@@ -84,35 +84,8 @@ protected:
     std::vector<BYTE> file;
 };
 
-TEST_F(StreamPlayTest, PreparesTwoSecondsNotifiedAtStartAndHalfwayWithTheFirstSecondIn)
-{
-    openFile(pcmFormat(2, 44100, 16), 3 * kHalf + kHalf / 2);
-    ASSERT_EQ(1, stream->initPlayStream(kWindow, pcmFormat(2, 44100, 16)));
-
-    const auto requests = tap.bufferRequests();
-    ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(static_cast<DWORD>(DSBCAPS_CTRLPOSITIONNOTIFY | DSBCAPS_GETCURRENTPOSITION2), requests[0].desc.dwFlags);
-    EXPECT_EQ(2 * kHalf, requests[0].desc.dwBufferBytes);
-    EXPECT_TRUE(sameFormat(pcmFormat(2, 44100, 16), *reinterpret_cast<const tWAVEFORMATEX*>(&requests[0].format)));
-
-    const auto sets = tap.notificationSets();
-    ASSERT_EQ(1u, sets.size());
-    ASSERT_EQ(2u, sets[0].positions.size());
-    EXPECT_EQ(0u, sets[0].positions[0].dwOffset);
-    EXPECT_EQ(kHalf, sets[0].positions[1].dwOffset);
-    EXPECT_EQ(stream->m_hStreamEvent[0], sets[0].positions[0].hEventNotify);
-    EXPECT_EQ(stream->m_hStreamEvent[1], sets[0].positions[1].hEventNotify);
-
-    const auto locks = tap.callsTo("IDirectSoundBuffer::Lock");
-    ASSERT_EQ(1u, locks.size());
-    EXPECT_EQ((std::vector<std::uintptr_t>{0, kHalf}), std::vector<std::uintptr_t>(locks[0].args.begin(), locks[0].args.begin() + 2));
-    EXPECT_EQ(0u, locks[0].args[6]);
-    EXPECT_EQ(fileBytes(0, kHalf, 0), bufferBytes(0, kHalf));
-    EXPECT_EQ(static_cast<unsigned long>(TestStream::kStreamNotEnded), stream->m_streamEndHalf);
-    EXPECT_EQ(kWindow, reinterpret_cast<HWND>(tap.callsTo("IDirectSound8::SetCooperativeLevel").at(0).args[0]));
-}
-
-// A 3.5-second file: each event refills the half the cursor has just left with the next
+// A 3.5-second file: prepared as two seconds notified at the start and halfway with the first
+// second in; each event refills the half the cursor has just left with the next
 // second; the last half-second is followed by silence, the other event then writes nothing,
 // and the event of the end half stops the stream.
 TEST_F(StreamPlayTest, EachEventRefillsTheOtherHalfUntilTheEndHalfHasPlayed)
@@ -132,6 +105,20 @@ TEST_F(StreamPlayTest, EachEventRefillsTheOtherHalfUntilTheEndHalfHasPlayed)
                           {0, 0, 0, 0, 0, none}};
     openFile(pcmFormat(2, 44100, 16), 3 * kHalf + kHalf / 2);
     ASSERT_EQ(1, stream->initPlayStream(kWindow, pcmFormat(2, 44100, 16)));
+    const auto request = tap.bufferRequests().at(0);
+    EXPECT_EQ(static_cast<DWORD>(DSBCAPS_CTRLPOSITIONNOTIFY | DSBCAPS_GETCURRENTPOSITION2), request.desc.dwFlags);
+    EXPECT_EQ(2 * kHalf, request.desc.dwBufferBytes);
+    EXPECT_TRUE(sameFormat(pcmFormat(2, 44100, 16), *reinterpret_cast<const tWAVEFORMATEX*>(&request.format)));
+    const auto positions = tap.notificationSets().at(0).positions;
+    ASSERT_EQ(2u, positions.size());
+    for (DWORD k = 0; k < 2; k++)
+        EXPECT_TRUE(positions[k].dwOffset == k * kHalf && positions[k].hEventNotify == stream->m_hStreamEvent[k]) << k;
+    const auto firstLock = tap.callsTo("IDirectSoundBuffer::Lock").at(0);
+    EXPECT_EQ((std::vector<std::uintptr_t>{0, kHalf}), std::vector<std::uintptr_t>(firstLock.args.begin(), firstLock.args.begin() + 2));
+    EXPECT_EQ(0u, firstLock.args[6]);
+    EXPECT_EQ(fileBytes(0, kHalf, 0), bufferBytes(0, kHalf));
+    EXPECT_EQ(static_cast<unsigned long>(TestStream::kStreamNotEnded), stream->m_streamEndHalf);
+    EXPECT_EQ(kWindow, reinterpret_cast<HWND>(tap.callsTo("IDirectSound8::SetCooperativeLevel").at(0).args[0]));
     for (const Step& step : steps)
     {
         tap.clearLog();
