@@ -269,7 +269,12 @@ TEST(MessageBoxes, AnswererReplacesTheBoxAndWithoutOneTheBoxCarriesTheAppName)
     }
     EXPECT_STREQ(L"mfc_tests", AfxGetAppName());
     std::optional<std::wstring> text;
-    std::thread user([&] { text = answerMessageBox(AfxGetAppName(), IDNO); });
+    std::thread user([&] {
+        if (HWND box = waitForWindow(AfxGetAppName())) {
+            text = controlText(box, 0xFFFF); // a message box's text control
+            pressButton(box, IDNO);
+        }
+    });
     EXPECT_EQ(IDNO, AfxMessageBox(L"Shown for real", MB_YESNO));
     user.join();
     EXPECT_EQ(L"Shown for real", text.value_or(L""));
