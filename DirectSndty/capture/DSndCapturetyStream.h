@@ -44,4 +44,14 @@ protected:
     unsigned long m_ulStreamOffset; // capture-buffer offset up to which data has been taken
     DSBPOSITIONNOTIFY m_streamNotify[kStreamEvents];
     HANDLE m_hStreamEvent[kStreamEvents];
+
+private:
+    void closeStreamEvents();
+    void releaseCapture();
+    int takeToFile();
+    int writeRegion(void* pRegion, DWORD dwBytes);
+    void copyToRing(const void* pRegion, DWORD dwBytes, char* pRing, unsigned long ulRingBytes, int& nRingPosition);
+    unsigned long bytesCapturedSinceOffset(unsigned long ulPosition);
+
+    CRITICAL_SECTION m_streamLock; // held around every use of the buffer by this layer
 };
