@@ -334,6 +334,28 @@ TEST_F(StimctlRun, RecordWhileATonePlaysWritesItToAValidWaveFile)
     EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
 }
 
+TEST_F(StimctlRun, StreamedRecordOutlastsTheCaptureBufferAndHoldsWhatPlayed)
+{
+    const std::wstring out = folder + L"streamed.wav";
+    DeleteFileW(out.c_str());
+    Stimctl recording(L"record " + out + L" --stream --seconds 3.5");
+    ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
+    const Outcome tone = stimctl(L"tone 1000 0.5");
+    const Outcome outcome = recording.finish();
+    ASSERT_EQ(tone.status, 0u) << tone.err;
+    ASSERT_EQ(outcome.status, 0u) << outcome.err;
+    EXPECT_NE(outcome.out.find("recording 1 s\nrecording 2 s\nrecording 3 s\n"), std::string::npos) << outcome.out;
+
+    const WaveFile wave = readWave(out);
+    ASSERT_TRUE(wave.valid) << "the header's sizes disagree with the file";
+    EXPECT_TRUE(sameFormat(wave.format, pcmFormat(kRate, 2)));
+    EXPECT_NEAR(wave.samples.size() / 2.0 / kRate, 3.5, 0.3); // the tail after the last position is in
+    const PcmView all = view(wave.samples, 2);
+    const long long onset = onsetFrame(all, -40.0);
+    ASSERT_GE(onset, 0) << "the tone is not in the recording";
+    EXPECT_NEAR(dominantFrequency(slice(all, static_cast<size_t>(onset) + kRate / 10, kRate / 4), 0, kRate), 1000.0, 5.0);
+}
+
 TEST_F(StimctlRun, RecordByBytesKeepsWholeFrames)
 {
     const std::wstring out = folder + L"bytes.wav";
