@@ -128,11 +128,16 @@ int CDSndCapturetyStream::waitRecordStreamEvt()
     return streamData2File(dwWoken - WAIT_OBJECT_0);
 }
 
+// Wine's capture cursor can read a few milliseconds behind where it stood a moment ago; taken
+// as a wrap, that would write the whole buffer again. A real wrap is never that close, as the
+// positions come at least every 1.5 s of a two-second buffer.
 unsigned long CDSndCapturetyStream::bytesCapturedSinceOffset(unsigned long ulPosition)
 {
-    if (ulPosition < m_ulStreamOffset)
-        ulPosition += m_dscbd.dwBufferBytes;
-    return ulPosition - m_ulStreamOffset;
+    if (ulPosition >= m_ulStreamOffset)
+        return ulPosition - m_ulStreamOffset;
+    if (m_ulStreamOffset - ulPosition < m_wfxCurrent.nAvgBytesPerSec / 4)
+        return 0;
+    return ulPosition + m_dscbd.dwBufferBytes - m_ulStreamOffset;
 }
 
 int CDSndCapturetyStream::writeRegion(void* pRegion, DWORD dwBytes)

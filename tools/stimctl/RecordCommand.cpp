@@ -78,8 +78,8 @@ BOOL WINAPI onConsoleControl(DWORD dwType)
     return TRUE;
 }
 
-// A worker services the capture's positions while this thread keeps time; the worker
-// stops the capture, which writes the tail and finishes the file.
+// A worker services the capture's positions while this thread keeps time and stops the
+// capture, which wakes the worker, writes the tail and finishes the file.
 int recordStreamed(const RecordRequest& request)
 {
     const tWAVEFORMATEX wfx = {WAVE_FORMAT_PCM, 2, 44100, 176400, 4, 16, 0};
@@ -98,7 +98,6 @@ int recordStreamed(const RecordRequest& request)
     std::thread worker([&] {
         while (recording)
             capture.waitRecordStreamEvt();
-        capture.stopCaptureStream();
     });
     const double start = secondsNow();
     long shown = 0;
@@ -110,6 +109,7 @@ int recordStreamed(const RecordRequest& request)
             say("recording %ld s", shown = static_cast<long>(elapsed));
     }
     recording = false;
+    capture.stopCaptureStream();
     worker.join();
     SetConsoleCtrlHandler(onConsoleControl, FALSE);
     const unsigned long bytes = writer.GetDataBytesWritten();
