@@ -8,6 +8,7 @@
 #include "device/DirectSndDevicety.h"
 #include "buffer/DirectSnd3DBuffty.h"
 #include "capture/DSndCapturetyx.h"
+#include "capture/DSndCapturetyStream.h"
 #include "facade/SndDataRecordPlaytyx.h"
 #include "schedule/DirectSndSchedulety.h"
 #include "dialogs/DlgDSndCapturePro.h"

@@ -6,8 +6,10 @@ CDirectSndDevicety::CDirectSndDevicety()
 {
 }
 
+// The listener belongs to the device object: it goes first, or its release reaches freed memory.
 CDirectSndDevicety::~CDirectSndDevicety()
 {
+    releaseInterface(m_pDS3DListener);
     releaseDSndty(this);
 }
 

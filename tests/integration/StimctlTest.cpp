@@ -273,6 +273,29 @@ TEST_F(Stimctl, RecordWhileATonePlaysWritesItToAValidWaveFile)
     EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
 }
 
+// A streamed recording outlasts the two-second capture buffer and holds what played, its tail
+// after the last notification included.
+TEST_F(Stimctl, StreamedRecordOutlastsTheCaptureBuffer)
+{
+    const std::wstring out = folder + L"streamed.wav";
+    DeleteFileW(out.c_str());
+    ChildProcess recording(L"stimctl.exe", L"record " + out + L" --stream --seconds 3.5");
+    ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
+    const Outcome tone = stimctl(L"tone 1000 0.5");
+    const Outcome outcome = recording.finish();
+    ASSERT_EQ(tone.status, 0u) << tone.err;
+    ASSERT_EQ(outcome.status, 0u) << outcome.err;
+    EXPECT_NE(outcome.out.find("recording 1 s\nrecording 2 s\nrecording 3 s\n"), std::string::npos) << outcome.out;
+
+    const std::vector<int16_t> samples = readWave(out);
+    ASSERT_FALSE(samples.empty()) << "no 44.1 kHz 16-bit stereo file whose header agrees with its size";
+    EXPECT_NEAR(samples.size() / 2.0 / kRate, 3.5, 0.3);
+    const PcmView all = view(samples, 2);
+    const long long onset = onsetFrame(all, -40.0);
+    ASSERT_GE(onset, 0) << "the tone is not in the recording";
+    EXPECT_NEAR(dominantFrequency(slice(all, static_cast<size_t>(onset) + kRate / 10, kRate / 4), 0, kRate), 1000.0, 5.0);
+}
+
 // Recording by size keeps whole frames; playrec reports what it heard and keeps it.
 TEST_F(Stimctl, RecordBySizeAndPlayrec)
 {

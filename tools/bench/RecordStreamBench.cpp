@@ -1,0 +1,339 @@
+// Whether a streamed recording loses anything. Plays a 44.1 kHz 16-bit stereo signal whose
+// frames tell their own position (left: the position modulo 32768 as a ramp; right: the
+// position / 64, a slow counter) in a loop, and records it at the same time twice: through
+// the library's CDSndCapturetyStream into a wave file, and by a plain DirectSound capture
+// buffer drained into memory as the reference. Each is decoded frame by frame: a gap or a
+// repeat shows as a step in the positions. Prints the frames expected and found, the tail the
+// stop wrote after the last position, the worker's processor time and the private bytes.
+// Usage: dsty_bench_record [SECONDS]   (default 600)
+
+#include "DirectSndty.h"
+#include "SndWaveWriteStreamty.h"
+#include <psapi.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+const unsigned kRate = 44100;
+const DWORD kFrameBytes = 4;
+const long kPositionSpan = 1L << 22; // positions are told modulo this many frames
+
+WAVEFORMATEX markedFormat()
+{
+    return {WAVE_FORMAT_PCM, 2, kRate, kRate * kFrameBytes, kFrameBytes, 16, 0};
+}
+
+int CALLBACK printMessage(LPCTSTR lpszText, UINT, UINT)
+{
+    std::printf("  [library message] %ls\n", lpszText);
+    return IDOK;
+}
+
+void frameAt(unsigned long frame, int16_t* out)
+{
+    out[0] = static_cast<int16_t>(static_cast<long>(frame & 0x7FFF) - 16384);
+    out[1] = static_cast<int16_t>(static_cast<long>((frame >> 6) & 0xFFFF) - 32768);
+}
+
+long positionOf(const int16_t* frame)
+{
+    const long fine = frame[0] + 16384;
+    const long estimate = (static_cast<long>(frame[1]) + 32768) * 64 + 32;
+    long position = estimate - ((estimate - fine) & 0x7FFF);
+    if (estimate - position > 16384)
+        position += 32768;
+    return (position + kPositionSpan) % kPositionSpan;
+}
+
+// Counts the marked frames of a recording from the first one heard: gaps (positions
+// skipped) and repeats (positions heard again), each with the frames they span.
+class Continuity
+{
+public:
+    void add(const int16_t* frames, size_t count)
+    {
+        for (size_t i = 0; i < count; i++)
+            addFrame(frames + 2 * i);
+    }
+    void print(const char* what, double expectedFrames) const
+    {
+        std::printf("  %-22s frames expected %.0f, found %lu (marked %lu, silent before the signal %lu)\n", what,
+                    expectedFrames, m_frames, m_marked, m_leadingSilence);
+        std::printf("  %-22s gaps %lu (%lu frames), repeats %lu (%lu frames)\n", "", m_gaps, m_gapFrames, m_repeats,
+                    m_repeatFrames);
+    }
+
+private:
+    void addFrame(const int16_t* frame)
+    {
+        m_frames++;
+        if (m_marked == 0 && frame[0] == 0 && frame[1] == 0)
+        {
+            m_leadingSilence++;
+            return;
+        }
+        const long position = positionOf(frame);
+        if (m_marked > 0)
+            countStep(position);
+        m_last = position;
+        m_marked++;
+    }
+    void countStep(long position)
+    {
+        long step = (position - m_last - 1 + kPositionSpan) % kPositionSpan;
+        if (step > kPositionSpan / 2)
+            step -= kPositionSpan;
+        if (step > 0)
+        {
+            m_gaps++;
+            m_gapFrames += static_cast<unsigned long>(step);
+        }
+        if (step < 0)
+        {
+            m_repeats++;
+            m_repeatFrames += static_cast<unsigned long>(-step);
+        }
+    }
+
+    unsigned long m_frames = 0, m_marked = 0, m_leadingSilence = 0;
+    unsigned long m_gaps = 0, m_gapFrames = 0, m_repeats = 0, m_repeatFrames = 0;
+    long m_last = 0;
+};
+
+// A plain DirectSound capture buffer, drained into a Continuity every 10 ms.
+class RawCapture
+{
+public:
+    bool start(Continuity& counter)
+    {
+        m_counter = &counter;
+        WAVEFORMATEX wfx = markedFormat();
+        DSCBUFFERDESC desc = {sizeof desc, 0, 2 * wfx.nAvgBytesPerSec, 0, &wfx, 0, NULL};
+        if (FAILED(DirectSoundCaptureCreate8(NULL, &m_capture, NULL)) ||
+            FAILED(m_capture->CreateCaptureBuffer(&desc, &m_buffer, NULL)) || FAILED(m_buffer->Start(DSCBSTART_LOOPING)))
+            return false;
+        m_bytes = desc.dwBufferBytes;
+        m_running = true;
+        m_drainer = std::thread([this] {
+            while (m_running)
+            {
+                drain();
+                Sleep(10);
+            }
+            drain();
+        });
+        return true;
+    }
+    void stop()
+    {
+        m_running = false;
+        if (m_drainer.joinable())
+            m_drainer.join();
+        if (m_buffer)
+            m_buffer->Release();
+        if (m_capture)
+            m_capture->Release();
+        m_buffer = NULL;
+        m_capture = NULL;
+    }
+
+private:
+    void drain()
+    {
+        DWORD capture = 0, read = 0;
+        if (FAILED(m_buffer->GetCurrentPosition(&capture, &read)))
+            return;
+        const DWORD available = (read + m_bytes - m_offset) % m_bytes;
+        void *first = NULL, *second = NULL;
+        DWORD firstBytes = 0, secondBytes = 0;
+        if (available == 0 || FAILED(m_buffer->Lock(m_offset, available, &first, &firstBytes, &second, &secondBytes, 0)))
+            return;
+        m_counter->add(static_cast<const int16_t*>(first), firstBytes / kFrameBytes);
+        if (second)
+            m_counter->add(static_cast<const int16_t*>(second), secondBytes / kFrameBytes);
+        m_buffer->Unlock(first, firstBytes, second, secondBytes);
+        m_offset = (m_offset + available) % m_bytes;
+    }
+
+    IDirectSoundCapture8* m_capture = NULL;
+    IDirectSoundCaptureBuffer* m_buffer = NULL;
+    DWORD m_bytes = 0, m_offset = 0;
+    Continuity* m_counter = NULL;
+    std::atomic<bool> m_running{false};
+    std::thread m_drainer;
+};
+
+// The marked signal played in a loop from one buffer that holds every position once.
+class MarkedPlayer
+{
+public:
+    bool start(HWND window)
+    {
+        WAVEFORMATEX wfx = markedFormat();
+        DSBUFFERDESC desc = {sizeof desc, DSBCAPS_GETCURRENTPOSITION2, kPositionSpan * kFrameBytes, 0, &wfx, GUID_NULL};
+        void* memory = NULL;
+        DWORD bytes = 0;
+        if (FAILED(DirectSoundCreate8(NULL, &m_sound, NULL)) || FAILED(m_sound->SetCooperativeLevel(window, DSSCL_PRIORITY)) ||
+            FAILED(m_sound->CreateSoundBuffer(&desc, &m_buffer, NULL)) ||
+            FAILED(m_buffer->Lock(0, 0, &memory, &bytes, NULL, NULL, DSBLOCK_ENTIREBUFFER)))
+            return false;
+        int16_t* frames = static_cast<int16_t*>(memory);
+        for (unsigned long i = 0; i < bytes / kFrameBytes; i++)
+            frameAt(i, frames + 2 * i);
+        m_buffer->Unlock(memory, bytes, NULL, 0);
+        return SUCCEEDED(m_buffer->Play(0, 0, DSBPLAY_LOOPING));
+    }
+    ~MarkedPlayer()
+    {
+        if (m_buffer)
+            m_buffer->Release();
+        if (m_sound)
+            m_sound->Release();
+    }
+
+private:
+    IDirectSound8* m_sound = NULL;
+    IDirectSoundBuffer* m_buffer = NULL;
+};
+
+double nowSeconds()
+{
+    LARGE_INTEGER now, frequency;
+    QueryPerformanceCounter(&now);
+    QueryPerformanceFrequency(&frequency);
+    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+double threadCpuSeconds(HANDLE thread)
+{
+    FILETIME created, exited, kernel, user;
+    GetThreadTimes(thread, &created, &exited, &kernel, &user);
+    ULARGE_INTEGER k = {{kernel.dwLowDateTime, kernel.dwHighDateTime}};
+    ULARGE_INTEGER u = {{user.dwLowDateTime, user.dwHighDateTime}};
+    return static_cast<double>(k.QuadPart + u.QuadPart) * 1e-7;
+}
+
+double privateMegabytes()
+{
+    PROCESS_MEMORY_COUNTERS_EX counters = {};
+    counters.cb = sizeof counters;
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+    // Wine leaves PrivateUsage at 0; the commit charge (PagefileUsage) is the same figure on Windows.
+    const SIZE_T bytes = counters.PrivateUsage != 0 ? counters.PrivateUsage : counters.PagefileUsage;
+    return static_cast<double>(bytes) / (1024.0 * 1024.0);
+}
+
+struct Worker
+{
+    CDSndCapturetyStream* capture;
+    std::atomic<bool> recording;
+    double cpuSeconds;
+};
+
+// Loops until the stop wakes it. Its processor time is read by itself: Wine tells it only
+// for the calling thread.
+DWORD WINAPI serviceUntilStopped(LPVOID pParam)
+{
+    auto* worker = static_cast<Worker*>(pParam);
+    while (worker->recording)
+        worker->capture->waitRecordStreamEvt();
+    worker->cpuSeconds = threadCpuSeconds(GetCurrentThread());
+    return 0;
+}
+
+bool decodeFile(const std::wstring& path, Continuity& counter)
+{
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, NULL, OPEN_EXISTING, 0, NULL);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    std::vector<int16_t> piece(2 * kRate);
+    DWORD got = 0;
+    SetFilePointer(file, 44, NULL, FILE_BEGIN); // the writer's header is always 44 bytes
+    while (ReadFile(file, piece.data(), static_cast<DWORD>(piece.size() * 2), &got, NULL) && got > 0)
+        counter.add(piece.data(), got / kFrameBytes);
+    CloseHandle(file);
+    return true;
+}
+
+void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
+{
+    MarkedPlayer player;
+    if (!player.start(window))
+    {
+        std::printf("  the marked signal could not be played\n");
+        return;
+    }
+    Sleep(500);
+    Continuity raw, library;
+    RawCapture reference;
+    if (!reference.start(raw))
+        std::printf("  the raw capture could not be started\n");
+
+    tWAVEFORMATEX wfx = markedFormat();
+    CSndWaveWriteStreamty writer;
+    CDSndCapturetyStream capture;
+    capture.m_pSndWaveWriteStream = &writer;
+    if (!writer.Open(CString(path.c_str()), &wfx) || !capture.initCapture2stream(wfx, 2 * wfx.nAvgBytesPerSec))
+    {
+        std::printf("  the streamed recording could not be set up\n");
+        reference.stop();
+        return;
+    }
+    const double privateStart = privateMegabytes();
+    double privateMost = privateStart;
+    capture.startCaptureStream();
+    const double start = nowSeconds();
+    Worker work = {&capture, {true}, 0.0};
+    HANDLE worker = CreateThread(NULL, 0, serviceUntilStopped, &work, 0, NULL);
+    for (unsigned long s = 0; s < seconds; s++)
+    {
+        Sleep(1000);
+        const double now = privateMegabytes();
+        privateMost = now > privateMost ? now : privateMost;
+    }
+    const unsigned long beforeStop = writer.GetDataBytesWritten();
+    work.recording = false;
+    capture.stopCaptureStream();
+    WaitForSingleObject(worker, INFINITE);
+    const double wall = nowSeconds() - start;
+    const double privateEnd = privateMegabytes();
+    CloseHandle(worker);
+    reference.stop();
+    const unsigned long total = writer.GetDataBytesWritten();
+
+    decodeFile(path, library);
+    library.print("library stream (file):", wall * kRate);
+    std::printf("  %-22s tail written at stop %lu bytes (%.3f s); file data %lu bytes\n", "", total - beforeStop,
+                static_cast<double>(total - beforeStop) / wfx.nAvgBytesPerSec, total);
+    raw.print("raw DirectSound:", wall * kRate);
+    std::printf("  worker processor time %.3f s over %.1f s: %.4f%% of one core\n", work.cpuSeconds, wall,
+                100.0 * work.cpuSeconds / wall);
+    std::printf("  private bytes at start %.1f MB, at end %.1f MB, most %.1f MB\n", privateStart, privateEnd,
+                privateMost);
+}
+}
+
+int main(int argc, char** argv)
+{
+    AfxSetMessageBoxAnswerer(printMessage);
+    const unsigned long seconds = argc > 1 ? std::strtoul(argv[1], NULL, 10) : 600;
+    if (seconds == 0)
+    {
+        std::printf("usage: dsty_bench_record [SECONDS]\n");
+        return 2;
+    }
+    const std::wstring path = L"bench-record.wav";
+    std::printf("streamed recording of %lu s of a marked 44.1 kHz 16-bit stereo signal played meanwhile\n", seconds);
+    HWND window = CreateWindowW(L"STATIC", L"dsty_bench_record", WS_OVERLAPPED, 0, 0, 10, 10, NULL, NULL,
+                                GetModuleHandleW(NULL), NULL);
+    recordBoth(path, seconds, window);
+    DestroyWindow(window);
+    DeleteFileW(path.c_str());
+    return 0;
+}
