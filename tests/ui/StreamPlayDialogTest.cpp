@@ -6,11 +6,7 @@
 #include "SndWaveWriteStreamty.h"
 #include "ToneGenerator.h"
 
-#include <dlgs.h>
-
-#include <atomic>
 #include <cmath>
-#include <thread>
 
 using namespace dsty_test;
 
@@ -45,22 +41,17 @@ bool becomes(HWND dialog, const std::vector<bool>& states, DWORD timeoutMs)
     return buttonStates(dialog) == states;
 }
 
+// Whether the player's streaming buffer holds a DirectSound buffer.
+bool holdsSoundBuffer(CDlgSoundStreamPlay* player)
+{
+    return player != nullptr && static_cast<StreamBuffer*>(player->m_pSndBuffStream)->m_pDSBuffer != nullptr;
+}
+
 bool threadEnds(CWinThread* thread, DWORD timeoutMs)
 {
     return thread != nullptr && WaitForSingleObject(thread->m_hThread, timeoutMs) == WAIT_OBJECT_0;
 }
 
-// Answers the system's file dialog: cancels it, or enters `file` and confirms.
-bool answerFileDialog(const std::wstring& file)
-{
-    HWND open = waitForWindow(L"Open");
-    if (!open)
-        return false;
-    if (file.empty())
-        return pressButton(open, IDCANCEL) && waitUntilGone(open);
-    const int nameControl = GetDlgItem(open, cmb13) ? cmb13 : edt1;
-    return setText(open, nameControl, file) && pressButton(open, IDOK) && waitUntilGone(open);
-}
 }
 
 class StreamPlayDialog : public DialogTest
@@ -81,6 +72,9 @@ protected:
     }
     void TearDown() override
     {
+        delete CSndDataRecordPlaytyx::m_pPlayStream;
+        CSndDataRecordPlaytyx::m_pPlayStream = nullptr;
+        CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(nullptr);
         delete dialog;
         buffer.release3DBuffers();
         DeleteFileW(path.c_str());
@@ -99,6 +93,15 @@ protected:
         ASSERT_EQ(writer.Close(), 1);
     }
 
+    // Opens the tone file in the player and presses Play.
+    void openAndPlay(HWND player)
+    {
+        pressButton(player, IDC_BTN_STREAM_OPEN_FILE);
+        EXPECT_TRUE(answerFileDialog(L"Open", path));
+        EXPECT_TRUE(becomes(player, kReady, 3000));
+        pressButton(player, IDC_BTN_STREAM_PLAY);
+    }
+
     // Shows the dialog modeless here and handles this thread's messages while `drive`
     // works it from another thread.
     void runModeless(const std::function<void(HWND)>& drive)
@@ -107,28 +110,12 @@ protected:
         dialog->m_pSndBuffStream = &buffer;
         ASSERT_TRUE(dialog->Create(IDD_DLG_SOUND_STREAM_PLAY));
         dialog->ShowWindow(SW_SHOWNORMAL);
-        std::atomic<bool> done{false};
-        std::thread driver([&] {
+        pumpMessagesWhile([&] {
             if (HWND found = waitForWindow(kCaption))
                 drive(found);
             else
                 ADD_FAILURE() << "no stream player";
-            done = true;
         });
-        while (!done)
-        {
-            MSG msg;
-            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-            {
-                if (!IsDialogMessageW(dialog->m_hWnd, &msg))
-                {
-                    TranslateMessage(&msg);
-                    DispatchMessageW(&msg);
-                }
-            }
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-        }
-        driver.join();
     }
 
     UiDevice device;
@@ -148,10 +135,10 @@ TEST_F(StreamPlayDialog, OpensPlaysStopsAndReturnsToReadyAtTheEndOfTheFile)
     runModeless([&](HWND dlg) {
         idle = buttonStates(dlg);
         pressButton(dlg, IDC_BTN_STREAM_OPEN_FILE);
-        EXPECT_TRUE(answerFileDialog(L""));
+        EXPECT_TRUE(answerFileDialog(L"Open", L""));
         afterCancel = buttonStates(dlg);
         pressButton(dlg, IDC_BTN_STREAM_OPEN_FILE);
-        EXPECT_TRUE(answerFileDialog(lowerCase));
+        EXPECT_TRUE(answerFileDialog(L"Open", lowerCase));
         ready = becomes(dlg, kReady, 3000);
 
         pressButton(dlg, IDC_BTN_STREAM_PLAY);
@@ -186,10 +173,7 @@ TEST_F(StreamPlayDialog, DestroyedWhilePlayingStopsTheStreamAndItsWorker)
     bool playing = false;
     writeTone(6.0);
     runModeless([&](HWND dlg) {
-        pressButton(dlg, IDC_BTN_STREAM_OPEN_FILE);
-        EXPECT_TRUE(answerFileDialog(path));
-        becomes(dlg, kReady, 3000);
-        pressButton(dlg, IDC_BTN_STREAM_PLAY);
+        openAndPlay(dlg);
         playing = becomes(dlg, kPlaying, 3000);
     });
     ASSERT_TRUE(playing);
@@ -198,4 +182,23 @@ TEST_F(StreamPlayDialog, DestroyedWhilePlayingStopsTheStreamAndItsWorker)
     delete dialog;
     dialog = nullptr;
     EXPECT_EQ(nullptr, buffer.m_pDSBuffer);
+}
+
+// The facade's player plays on the registered device; another facade's call replaces it mid-play.
+TEST_F(StreamPlayDialog, FacadePlayerPlaysOnTheRegisteredDeviceAndIsReplacedByTheNextCall)
+{
+    writeTone(6.0);
+    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
+    EXPECT_EQ(CSndDataRecordPlaytyx().playStreamty(), 1);
+    CDlgSoundStreamPlay* player = CSndDataRecordPlaytyx::m_pPlayStream;
+    bool playing = false;
+    pumpMessagesWhile([&] {
+        openAndPlay(player->m_hWnd);
+        playing = becomes(player->m_hWnd, kPlaying, 3000) && holdsSoundBuffer(player);
+    });
+    EXPECT_TRUE(playing) << "the facade's player did not stream";
+    const HWND first = player->m_hWnd;
+    EXPECT_EQ(CSndDataRecordPlaytyx().playStreamty(), 1);
+    EXPECT_FALSE(IsWindow(first));
+    EXPECT_TRUE(IsWindowVisible(CSndDataRecordPlaytyx::m_pPlayStream->GetSafeHwnd()));
 }
