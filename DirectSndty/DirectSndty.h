@@ -12,6 +12,7 @@
 #include "facade/SndDataRecordPlaytyx.h"
 #include "schedule/DirectSndSchedulety.h"
 #include "dialogs/DlgDSndCapturePro.h"
+#include "dialogs/DlgSoundStreamRecord.h"
 #include "dialogs/DlgSoundStreamPlay.h"
 #include "SndDatatyx.h"
 #include "SndDataConvertty.h"

@@ -1,18 +1,8 @@
 #include "DlgDSndCapturePro.h"
-#include <cstdio>
+#include "FormatCombos.h"
 
 namespace
 {
-// The combo's edit text counts, typed or chosen; a text that is not a number keeps the value.
-void readComboNumber(CComboBox& combo, int& value)
-{
-    wchar_t text[256] = {0};
-    combo.GetWindowText(text, 256);
-    int parsed = 0;
-    if (swscanf(text, L"%d", &parsed) == 1)
-        value = parsed;
-}
-
 int isChecked(const CButton& button)
 {
     return button.GetCheck() != 0 ? 1 : 0;
@@ -64,19 +54,9 @@ BOOL CDlgDSndCapturePro::OnInitDialog()
     OnCheckSizeRecord();
     m_dwRecordSeconds = 180;
 
-    // The lists are sorted as text, so index 0 of the bits list is "16".
-    m_cmbBitsPerSample.AddString(_T("8"));
-    m_cmbBitsPerSample.AddString(_T("16"));
-    m_cmbBitsPerSample.SetCurSel(0);
+    fillFormatCombos(m_cmbBitsPerSample, m_cmbChannel, m_cmbSamplingRate);
     m_nBitsPerSample = 16;
-    m_cmbChannel.AddString(_T("1"));
-    m_cmbChannel.AddString(_T("2"));
-    m_cmbChannel.SetCurSel(1);
     m_nChannel = 2;
-    m_cmbSamplingRate.AddString(_T("11025"));
-    m_cmbSamplingRate.AddString(_T("22050"));
-    m_cmbSamplingRate.AddString(_T("44100"));
-    m_cmbSamplingRate.SetCurSel(2);
     m_nSamplingRate = 44100;
 
     m_btnDirectRecord.SetCheck(1);
@@ -135,13 +115,7 @@ void CDlgDSndCapturePro::OnOK()
     readComboNumber(m_cmbChannel, m_nChannel);
     readComboNumber(m_cmbSamplingRate, m_nSamplingRate);
 
-    m_wfxRecord.wFormatTag = WAVE_FORMAT_PCM;
-    m_wfxRecord.nChannels = static_cast<WORD>(m_nChannel);
-    m_wfxRecord.nSamplesPerSec = static_cast<DWORD>(m_nSamplingRate);
-    m_wfxRecord.wBitsPerSample = static_cast<WORD>(m_nBitsPerSample);
-    m_wfxRecord.nBlockAlign = static_cast<WORD>(m_wfxRecord.nChannels * m_wfxRecord.wBitsPerSample / 8);
-    m_wfxRecord.nAvgBytesPerSec = m_wfxRecord.nBlockAlign * m_wfxRecord.nSamplesPerSec;
-    m_wfxRecord.cbSize = 0;
+    m_wfxRecord = pcmFormatOf(m_nChannel, m_nSamplingRate, m_nBitsPerSample);
 
     CDialog::OnOK();
 }

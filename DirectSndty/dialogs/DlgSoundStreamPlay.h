@@ -40,12 +40,14 @@ protected:
     afx_msg void OnBnClickedPlay();
     afx_msg void OnBnClickedStop();
 
+    // Stops a stream still playing and waits for its worker.
+    void endStreamThread();
+
     DECLARE_MESSAGE_MAP()
 
 private:
     static UINT AFX_CDECL streamThreadProc(LPVOID pParam);
     void openStreamAtStart(tWAVEFORMATEX& wfx);
     void startStreamThread();
-    void endStreamThread();
     void showIdleButtons(BOOL bCanPlay);
 };

@@ -121,6 +121,13 @@
 #define IDC_CHECK_DIRECT_RECORD         7014
 #define IDC_CHECK_RECORD_NEW            7015
 
+// Stream recording dialog; its format combos are the recording settings dialog's.
+#define IDD_DLG_SOUND_STREAM_RECORD     7001
+#define IDC_BTN_STREAM_RECORD           7057
+#define IDC_BTN_STREAM_RECORD_STOP      7058
+#define IDC_EDIT_STREAM_FILE_NAME       7059
+#define IDC_BTN_STREAM_SETUP            7060
+
 // Stream playback dialog ("Huge sound file player")
 #define IDD_DLG_SOUND_STREAM_PLAY       7029
 #define IDC_BTN_STREAM_OPEN_FILE        7053

@@ -24,6 +24,11 @@ int CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(CDirectSndDevicety* pDevice)
     return 1;
 }
 
+void CSndDataRecordPlayty4Pdsnd::placeOnRegisteredDevice(CDirectSnd2DBuff& buffer)
+{
+    buffer.m_pDSndDevice = m_pDirectSndDevicety;
+}
+
 bool CSndDataRecordPlayty4Pdsnd::hasPlayableData()
 {
     if (m_pSndDataty == NULL || !m_pSndDataty->hasAudioWaveData())

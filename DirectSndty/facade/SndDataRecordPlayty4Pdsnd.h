@@ -5,6 +5,7 @@
 #include "SndDataRecordPlayty3R.h"
 
 class CDirectSndDevicety;
+class CDirectSnd2DBuff;
 class CDirectSnd3DBuffty;
 
 class AFX_EXT_CLASS CSndDataRecordPlayty4Pdsnd : public CSndDataRecordPlayty3R
@@ -25,6 +26,8 @@ protected:
     int playBeginLoopDSnd(HWND hWnd, int nReserved);
     int playBeginProDSnd(HWND hWnd, int nReserved);
     int playStopDSnd();
+    // Makes the buffer play on the registered device (none: it stays without one).
+    static void placeOnRegisteredDevice(CDirectSnd2DBuff& buffer);
 
 private:
     int playStandbyDSnd(HWND hWnd, int nReserved);

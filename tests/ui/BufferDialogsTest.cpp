@@ -45,10 +45,22 @@ bool threadEnds(CWinThread* thread, DWORD timeoutMs)
 // Presses Open file and enters `file` in the system's file dialog.
 bool chooseFile(HWND player, const std::wstring& file)
 {
-    pressButton(player, IDC_BTN_STREAM_OPEN_FILE);
-    HWND open = waitForWindow(L"Open");
-    return open && setText(open, GetDlgItem(open, cmb13) ? cmb13 : edt1, file) && pressButton(open, IDOK) &&
-           waitUntilGone(open);
+    return pressButton(player, IDC_BTN_STREAM_OPEN_FILE) && DialogTest::answerFileDialog(L"Open", file);
+}
+
+// `seconds` of a 1 kHz tone as a wave file in the temporary folder.
+std::wstring writeToneFile(double seconds)
+{
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    const std::wstring path = std::wstring(folder) + L"stream-ui-tone.wav";
+    std::vector<int16_t> pcm = sineTone(1000.0, -12.0, seconds, 44100, ToneChannels::Both);
+    tWAVEFORMATEX wfx = pcmFormat(44100, 2);
+    CSndWaveWriteStreamty writer;
+    const bool written = writer.Open(CString(path.c_str()), &wfx) &&
+                         writer.Write(static_cast<unsigned>(pcm.size() * 2), reinterpret_cast<unsigned char*>(pcm.data()), nullptr) &&
+                         writer.Close();
+    return written ? path : std::wstring();
 }
 }
 
@@ -252,15 +264,8 @@ TEST_F(DialogTest, StreamPlayerPlaysStopsAndReturnsToReadyAtTheEndOfTheFile)
     // The owner gives the buffer its device with a load of the data.
     openDeviceWithTone(0.1);
     ASSERT_EQ(buffer.setSndData2DSndBuf2ndStd(&data, &device), 1);
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = std::wstring(folder) + L"stream-ui-tone.wav";
-    std::vector<int16_t> pcm = sineTone(1000.0, -12.0, 1.5, 44100, ToneChannels::Both);
-    tWAVEFORMATEX wfx = pcmFormat(44100, 2);
-    CSndWaveWriteStreamty writer;
-    ASSERT_EQ(writer.Open(CString(path.c_str()), &wfx), 1);
-    ASSERT_EQ(writer.Write(static_cast<unsigned>(pcm.size() * 2), reinterpret_cast<unsigned char*>(pcm.data()), nullptr), 1);
-    ASSERT_EQ(writer.Close(), 1);
+    const std::wstring path = writeToneFile(1.5);
+    ASSERT_FALSE(path.empty());
 
     auto* player = new CDlgSoundStreamPlay;
     player->m_pSndBuffStream = &buffer;
@@ -299,5 +304,33 @@ TEST_F(DialogTest, StreamPlayerPlaysStopsAndReturnsToReadyAtTheEndOfTheFile)
     player->DestroyWindow();
     delete player;
     EXPECT_EQ(nullptr, buffer.m_pDSBuffer) << "the player went away and left the stream playing";
+    DeleteFileW(path.c_str());
+}
+
+// The facade's player streams on the registered device; another facade's call replaces it
+// mid-play.
+TEST_F(DialogTest, FacadePlayerStreamsOnTheRegisteredDeviceAndTheNextCallReplacesIt)
+{
+    openDeviceWithTone(0.1);
+    const std::wstring path = writeToneFile(6.0);
+    ASSERT_FALSE(path.empty());
+    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
+    ASSERT_EQ(CSndDataRecordPlaytyx().playStreamty(), 1);
+    CDlgSoundStreamPlay* player = CSndDataRecordPlaytyx::m_pPlayStream;
+    bool streaming = false;
+    pumpMessagesWhile([&] {
+        const HWND dlg = player->m_hWnd;
+        streaming = chooseFile(dlg, path) && becomes(dlg, kReady, 3000) && pressButton(dlg, IDC_BTN_STREAM_PLAY) &&
+                    becomes(dlg, kPlaying, 3000) &&
+                    static_cast<UiBuffer*>(player->m_pSndBuffStream)->m_pDSBuffer != nullptr;
+    });
+    EXPECT_TRUE(streaming) << "the facade's player did not stream";
+    const HWND first = player->m_hWnd;
+    EXPECT_EQ(CSndDataRecordPlaytyx().playStreamty(), 1);
+    EXPECT_FALSE(IsWindow(first));
+    EXPECT_TRUE(IsWindowVisible(CSndDataRecordPlaytyx::m_pPlayStream->GetSafeHwnd()));
+    delete CSndDataRecordPlaytyx::m_pPlayStream;
+    CSndDataRecordPlaytyx::m_pPlayStream = nullptr;
+    CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(nullptr);
     DeleteFileW(path.c_str());
 }

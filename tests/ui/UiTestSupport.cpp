@@ -2,7 +2,10 @@
 
 #include "WindowShot.h"
 
+#include <dlgs.h>
+
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -68,6 +71,37 @@ int DialogTest::runDialog(const std::wstring& caption, const std::function<void(
     const int result = open();
     driver.join();
     return result;
+}
+
+void DialogTest::pumpMessagesWhile(const std::function<void()>& work)
+{
+    std::atomic<bool> done{false};
+    std::thread worker([&] {
+        work();
+        done = true;
+    });
+    while (!done)
+    {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+        {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+    }
+    worker.join();
+}
+
+bool DialogTest::answerFileDialog(const std::wstring& caption, const std::wstring& file)
+{
+    HWND dialog = waitForWindow(caption);
+    if (!dialog)
+        return false;
+    if (file.empty())
+        return pressButton(dialog, IDCANCEL) && waitUntilGone(dialog);
+    const int nameControl = GetDlgItem(dialog, cmb13) ? cmb13 : edt1;
+    return setText(dialog, nameControl, file) && pressButton(dialog, IDOK) && waitUntilGone(dialog);
 }
 
 void DialogTest::shoot(HWND dialog, const std::wstring& name)

@@ -41,6 +41,12 @@ public:
     // thread. A dialog that `drive` leaves open is cancelled, so the test cannot hang.
     int runDialog(const std::wstring& caption, const std::function<void(HWND)>& drive,
                   const std::function<int()>& open);
+    // Handles this thread's messages, where modeless dialogs live, while `work` runs on
+    // another thread.
+    static void pumpMessagesWhile(const std::function<void()>& work);
+    // Answers the system's file dialog with this caption: enters `file` and confirms, or
+    // cancels it when `file` is empty.
+    static bool answerFileDialog(const std::wstring& caption, const std::wstring& file);
     // Lets the dialog paint, then saves its picture under the dialog's class name, once a run.
     static void shoot(HWND dialog, const std::wstring& name);
     // Texts of the controls `ids`, in order.
