@@ -1,7 +1,7 @@
 // Circular recording into a caller's block and capture streamed to a wave file, through the
 // tap: buffer and position sizes, refusals before anything is made, the guards on both
-// copies, the ring's wrap, a failed write offered again, the tail written at stop, and a
-// worker that sleeps between positions.
+// copies, the ring's wrap, a failed write offered again, a cursor read slightly behind, the
+// tail written at stop, and a wait that resets the event that woke it.
 
 #include "BufferTestSupport.h"
 #include "SndWaveWriteStreamty.h"
@@ -202,6 +202,9 @@ TEST_F(RecordStreamTest, FailedWriteIsOfferedAgainAndStopWritesTheTail)
     EXPECT_EQ(0, stream->streamData2File(0));
     ASSERT_EQ(1, writer.Open(CString(path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
     EXPECT_EQ(1, stream->streamData2File(0));
+    ring->written -= 400; // the cursor read a little behind where it stood: nothing new, not a whole loop
+    EXPECT_EQ(0, stream->streamData2File(0));
+    ring->written += 400;
     ring->advance(300000); // past the buffer's end
     EXPECT_EQ(1, stream->streamData2File(0));
     ring->advance(1000); // after the last position: only the stop takes it
