@@ -1,21 +1,7 @@
 #include "DSndCapturetyStream.h"
 #include "SndWaveWriteStreamty.h"
 #include "../foundation/ComRelease.h"
-
-namespace
-{
-class StreamLock
-{
-public:
-    explicit StreamLock(CRITICAL_SECTION& section) : m_section(section) { EnterCriticalSection(&m_section); }
-    ~StreamLock() { LeaveCriticalSection(&m_section); }
-    StreamLock(const StreamLock&) = delete;
-    StreamLock& operator=(const StreamLock&) = delete;
-
-private:
-    CRITICAL_SECTION& m_section;
-};
-}
+#include "../foundation/SectionLock.h"
 
 CDSndCapturetyStream::CDSndCapturetyStream()
     : m_pSndWaveWriteStream(NULL),
@@ -61,7 +47,7 @@ void CDSndCapturetyStream::releaseCapture()
 // The position events are set up here too: they must be registered before capture starts.
 int CDSndCapturetyStream::initCapture2stream(tWAVEFORMATEX wfx, unsigned long ulBytes)
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     releaseCapture();
     m_wfxCurrent = wfx;
     if (!createDSndCaptureObject(NULL))
@@ -101,7 +87,7 @@ int CDSndCapturetyStream::initNotifyEvtStreamRecord()
 
 int CDSndCapturetyStream::startCaptureStream()
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (m_pDSCBuffer == NULL)
         return 0;
     m_ulStreamOffset = 0;
@@ -154,7 +140,7 @@ int CDSndCapturetyStream::writeRegion(void* pRegion, DWORD dwBytes)
 // offered again at the next position.
 int CDSndCapturetyStream::streamData2File(unsigned long /*ulEvent*/)
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (!m_bCapturing)
         return 0;
     return takeToFile();
@@ -219,7 +205,7 @@ void CDSndCapturetyStream::copyToRing(const void* pRegion, DWORD dwBytes, char* 
 int CDSndCapturetyStream::getRecordNewStreamData(void* pRing, unsigned long ulRingBytes, int& nRingPosition,
                                                  bool bWriteFile)
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     if (!m_bCapturing || m_pDSCBuffer == NULL || pRing == NULL || ulRingBytes == 0)
         return 0;
     DWORD dwRead = 0;
@@ -262,7 +248,7 @@ int CDSndCapturetyStream::getRecordNewStreamData(void* pRing, unsigned long ulRi
 // before the buffer goes; then the file is finished with what it holds.
 int CDSndCapturetyStream::stopCaptureStream()
 {
-    StreamLock hold(m_streamLock);
+    SectionLock hold(m_streamLock);
     bool bWasCapturing = m_bCapturing != 0;
     m_bCapturing = 0;
     for (int i = 0; i < kStreamEvents; i++)
