@@ -3,8 +3,9 @@
 // position / 64, a slow counter) in a loop, and records it at the same time twice: through
 // the library's CDSndCapturetyStream into a wave file, and by a plain DirectSound capture
 // buffer drained into memory as the reference. Each is decoded frame by frame: a gap or a
-// repeat shows as a step in the positions. Prints the frames expected and found, the tail the
-// stop wrote after the last position, the worker's processor time and the private bytes.
+// repeat shows as a step in the positions; the player's own stalls show as silence in both.
+// Prints the frames expected and found, the tail the stop wrote after the last position, the
+// worker's processor time and the private bytes.
 // Usage: dsty_bench_record [SECONDS]   (default 600)
 
 #include "BenchSupport.h"
@@ -22,8 +23,10 @@ using namespace dsty_bench;
 
 namespace
 {
-// Counts the marked frames of a recording from the first one heard: gaps (positions
-// skipped) and repeats (positions heard again), each with the frames they span.
+// Counts the marked frames of a recording from the first one heard. Silence inside the signal is
+// the player's stall (Wine's mixer or the sink fell behind), which every capture records alike;
+// a step in the positions between two marked frames with no silence between is the capture's
+// own gap (positions skipped) or repeat (positions heard again).
 class Continuity
 {
 public:
@@ -34,32 +37,48 @@ public:
     }
     void print(const char* what, double expectedFrames) const
     {
-        std::printf("  %-22s frames expected %.0f, found %lu (marked %lu, silent before the signal %lu)\n", what,
-                    expectedFrames, m_frames, m_marked, m_leadingSilence);
+        std::printf("  %-22s frames expected %.0f, found %lu (marked %lu, silent before the signal %lu, after it %lu)\n",
+                    what, expectedFrames, m_frames, m_marked, m_leadingSilence, m_silence);
         std::printf("  %-22s gaps %lu (%lu frames), repeats %lu (%lu frames)\n", "", m_gaps, m_gapFrames, m_repeats,
                     m_repeatFrames);
+        std::printf("  %-22s player stalls heard %lu (%lu silent frames), %lu of them resumed elsewhere\n", "",
+                    m_stalls, m_stallFrames, m_movedStalls);
     }
 
 private:
     void addFrame(const int16_t* frame)
     {
         m_frames++;
-        if (m_marked == 0 && frame[0] == 0 && frame[1] == 0)
-        {
+        const bool silent = frame[0] == 0 && frame[1] == 0;
+        if (silent && m_marked == 0)
             m_leadingSilence++;
-            return;
-        }
-        const long position = positionOf(frame);
+        else if (silent)
+            m_silence++;
+        else
+            addMarked(positionOf(frame));
+    }
+    void addMarked(long position)
+    {
         if (m_marked > 0)
-            countStep(position);
+            countStep(stepFromLast(position));
+        m_silence = 0;
         m_last = position;
         m_marked++;
     }
-    void countStep(long position)
+    long stepFromLast(long position) const
     {
-        long step = (position - m_last - 1 + kPositionSpan) % kPositionSpan;
-        if (step > kPositionSpan / 2)
-            step -= kPositionSpan;
+        const long step = (position - m_last - 1 + kPositionSpan) % kPositionSpan;
+        return step > kPositionSpan / 2 ? step - kPositionSpan : step;
+    }
+    void countStep(long step)
+    {
+        if (m_silence > 0)
+        {
+            m_stalls++;
+            m_stallFrames += m_silence;
+            m_movedStalls += step != 0;
+            return;
+        }
         if (step > 0)
         {
             m_gaps++;
@@ -72,8 +91,9 @@ private:
         }
     }
 
-    unsigned long m_frames = 0, m_marked = 0, m_leadingSilence = 0;
+    unsigned long m_frames = 0, m_marked = 0, m_leadingSilence = 0, m_silence = 0;
     unsigned long m_gaps = 0, m_gapFrames = 0, m_repeats = 0, m_repeatFrames = 0;
+    unsigned long m_stalls = 0, m_stallFrames = 0, m_movedStalls = 0;
     long m_last = 0;
 };
 
