@@ -6,6 +6,8 @@ namespace
 {
 const LONGLONG kWindowSeconds = 1;
 const size_t kMostReadings = 4096;
+const LONGLONG kStallEvidencePerSecond = 10; // a stall is believed after 1/10 s of lagging readings
+const double kStallFramesPerSecond = 200.0;  // readings lagging by 5 ms or more
 }
 
 CStreamClockty::CStreamClockty() : m_llStart(0), m_llCounterHz(1), m_ulFramesPerSecond(1)
@@ -25,6 +27,19 @@ void CStreamClockty::observe(LONGLONG llCounter, LONGLONG llPlayFrame)
     m_readings.push_back({llCounter, static_cast<double>(llPlayFrame) - framesWorth(llCounter)});
     const LONGLONG llOldest = llCounter - kWindowSeconds * m_llCounterHz;
     while (m_readings.size() > kMostReadings || m_readings.front().llCounter < llOldest)
+        m_readings.pop_front();
+    forgetBeforeStall(llCounter);
+}
+
+void CStreamClockty::forgetBeforeStall(LONGLONG llNow)
+{
+    const LONGLONG llRecent = llNow - m_llCounterHz / kStallEvidencePerSecond;
+    if (m_readings.front().llCounter >= llRecent)
+        return;
+    const double dStallFrames = m_ulFramesPerSecond / kStallFramesPerSecond;
+    if (bestOffsetSince(llRecent) > bestOffset() - dStallFrames)
+        return;
+    while (m_readings.front().llCounter < llRecent)
         m_readings.pop_front();
 }
 
@@ -51,8 +66,13 @@ double CStreamClockty::framesWorth(LONGLONG llCounter) const
 
 double CStreamClockty::bestOffset() const
 {
-    double dBest = m_readings.empty() ? 0.0 : m_readings.front().dOffset;
-    for (const Reading& reading : m_readings)
-        dBest = std::max(dBest, reading.dOffset);
+    return m_readings.empty() ? 0.0 : bestOffsetSince(m_readings.front().llCounter);
+}
+
+double CStreamClockty::bestOffsetSince(LONGLONG llCounter) const
+{
+    double dBest = m_readings.back().dOffset;
+    for (auto it = m_readings.rbegin(); it != m_readings.rend() && it->llCounter >= llCounter; ++it)
+        dBest = std::max(dBest, it->dOffset);
     return dBest;
 }

@@ -2,7 +2,9 @@
 // The relation between the performance counter and the frames a looping buffer has played,
 // learnt from readings of its play cursor. The cursor moves a mixer period at a time, so a
 // reading can only lag the true position: the mapping follows the most advanced readings of
-// the last second, which also tracks a slow drift between the two clocks.
+// the last second, which also tracks a slow drift between the two clocks. When the output
+// stalls, the stream plays later from then on: once every reading of a tenth of a second lags,
+// the mapping starts again from those readings.
 
 #include <windows.h>
 #include <deque>
@@ -29,6 +31,8 @@ private:
 
     double framesWorth(LONGLONG llCounter) const;
     double bestOffset() const;
+    double bestOffsetSince(LONGLONG llCounter) const;
+    void forgetBeforeStall(LONGLONG llNow);
 
     std::deque<Reading> m_readings;
     LONGLONG m_llStart;

@@ -22,7 +22,6 @@ namespace
 const unsigned kRate = 44100;
 const size_t kStimuli = 100;
 const size_t kBurstFrames = 441;
-const unsigned long kLeadMs = 50;
 const tWAVEFORMATEX kFormat = {WAVE_FORMAT_PCM, 2, kRate, 4 * kRate, 4, 16, 0};
 
 LONGLONG counterNow()
@@ -87,13 +86,30 @@ std::vector<long long> heardOnsets(const std::vector<short>& recorded)
     return onsets;
 }
 
+double mean(const std::vector<double>& values)
+{
+    double sum = 0.0;
+    for (double v : values)
+        sum += v;
+    return values.empty() ? 0.0 : sum / values.size();
+}
+
+// How many values lie within a distance of their mean.
+size_t withinOfMean(const std::vector<double>& values, double distance)
+{
+    const double centre = mean(values);
+    size_t count = 0;
+    for (double v : values)
+        count += std::fabs(v - centre) <= distance ? 1 : 0;
+    return count;
+}
+
 double standardDeviation(const std::vector<double>& values)
 {
-    double mean = 0.0, squares = 0.0;
+    const double centre = mean(values);
+    double squares = 0.0;
     for (double v : values)
-        mean += v / values.size();
-    for (double v : values)
-        squares += (v - mean) * (v - mean);
+        squares += (v - centre) * (v - centre);
     return values.size() > 1 ? std::sqrt(squares / (values.size() - 1)) : 0.0;
 }
 
@@ -139,14 +155,17 @@ void report(const char* what, const LoopbackRecorder& recorder, const std::vecto
                 askedFrames.size(), heard.size());
     std::printf("  intervals exact to the frame %zu of %zu, interval error SD %.3f ms\n", exact, intervals,
                 standardDeviation(intervalErrorsMs));
-    std::printf("  onset against the counter: SD %.3f ms (the one latency a user measures removed)\n",
-                standardDeviation(onsetErrorsMs));
+    std::printf("  onset against the counter: SD %.3f ms (the one latency a user measures removed),"
+                " within 0.5 ms %zu, within 2 ms %zu of %zu\n",
+                standardDeviation(onsetErrorsMs), withinOfMean(onsetErrorsMs, 0.5), withinOfMean(onsetErrorsMs, 2.0),
+                onsetErrorsMs.size());
 }
 
-void scheduledTrain(CDirectSndDevicety& device, CSndDatatyx& burst, const std::vector<LONGLONG>& plan)
+void scheduledTrain(CDirectSndDevicety& device, CSndDatatyx& burst, const std::vector<LONGLONG>& plan,
+                    unsigned long leadMs)
 {
     CDirectSndSchedulety schedule;
-    if (!schedule.openSchedule(&device, kFormat, kLeadMs))
+    if (!schedule.openSchedule(&device, kFormat, leadMs))
     {
         std::printf("scheduler: could not open\n");
         return;
@@ -173,7 +192,7 @@ void scheduledTrain(CDirectSndDevicety& device, CSndDatatyx& burst, const std::v
     recorder.stop();
     report("scheduler", recorder, frames, counters);
     std::printf("  earliest schedulable frame at most %.2f ms ahead of the play cursor (lead %lu ms)\n",
-                1000.0 * mostAhead / kRate, kLeadMs);
+                1000.0 * mostAhead / kRate, leadMs);
 }
 
 // A busy wait for the last millisecond, so that Play() runs as close to its time as it can.
@@ -221,7 +240,7 @@ double processSecondsOver(DWORD ms)
 // The process's processor time with an idle schedule open, less the same with a plain
 // looping buffer playing instead (the platform's mixer works as hard for either): what the
 // scheduler's worker costs.
-void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst)
+void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst, unsigned long leadMs)
 {
     const DWORD ms = 10000;
     double plain = 0.0;
@@ -233,7 +252,7 @@ void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst)
         loop.stopAudioStim();
     }
     CDirectSndSchedulety schedule;
-    schedule.openSchedule(&device, kFormat, kLeadMs);
+    schedule.openSchedule(&device, kFormat, leadMs);
     const double scheduled = processSecondsOver(ms);
     std::printf("scheduler worker: %.3f%% of one core (process %.3f s with the schedule, %.3f s with a plain"
                 " looping buffer, over %.0f s)\n",
@@ -241,8 +260,10 @@ void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst)
 }
 }
 
-int main()
+// Usage: dsty_bench_schedule [LEAD_MS]   (default 50)
+int main(int argc, char** argv)
 {
+    const unsigned long leadMs = argc > 1 ? std::strtoul(argv[1], NULL, 10) : 50;
     HWND window = CreateWindowW(L"STATIC", L"schedule bench", WS_OVERLAPPED, 0, 0, 10, 10, NULL, NULL,
                                 GetModuleHandleW(NULL), NULL);
     CDirectSndDevicety device;
@@ -251,13 +272,14 @@ int main()
         std::printf("the default device could not be opened\n");
         return 1;
     }
-    std::printf("100 bursts at random spacings of 150 to 350 ms, asked for at performance-counter times\n");
+    std::printf("100 bursts at random spacings of 150 to 350 ms, asked for at performance-counter times, lead %lu ms\n",
+                leadMs);
     CSndDatatyx burst;
     makeBurst(burst);
     const std::vector<LONGLONG> plan = planTrain();
-    scheduledTrain(device, burst, plan);
+    scheduledTrain(device, burst, plan, leadMs);
     playedTrain(device, burst, plan);
-    workerCost(device, burst);
+    workerCost(device, burst, leadMs);
     device.releaseDSndty(&device);
     DestroyWindow(window);
     return 0;
