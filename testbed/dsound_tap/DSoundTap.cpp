@@ -1,7 +1,6 @@
 #include "DSoundTap.h"
 
 #include "TapObject.h"
-#include "TapSeam.h"
 
 #include <algorithm>
 #include <sstream>
@@ -13,12 +12,6 @@ namespace dstap
 namespace
 {
 
-void requireScriptable(const std::string& method)
-{
-    if (!isScriptable(method))
-        throw std::invalid_argument("no scriptable DirectSound call is named " + method);
-}
-
 template <class T>
 T leading(const std::vector<BYTE>& data, size_t offset = 0)
 {
@@ -29,22 +22,32 @@ T leading(const std::vector<BYTE>& data, size_t offset = 0)
 }
 
 // CreateSoundBuffer and CreateCaptureBuffer log the description, then the format if any.
-template <class Request, class Desc>
-std::vector<Request> creations(const std::vector<Call>& calls, const std::string& method)
+template <class Desc>
+std::vector<CreationRequest<Desc>> creations(const std::vector<Call>& calls)
 {
-    std::vector<Request> requests;
+    std::vector<CreationRequest<Desc>> requests;
     for (const Call& call : calls) {
-        if (call.method != method)
-            continue;
-        Request request{};
-        request.device = call.object;
-        request.desc = leading<Desc>(call.data);
-        request.hasFormat = call.data.size() >= sizeof(Desc) + sizeof(PCMWAVEFORMAT);
-        request.format = leading<WAVEFORMATEX>(call.data, sizeof(Desc));
-        request.result = call.result;
-        requests.push_back(request);
+        const bool hasFormat = call.data.size() >= sizeof(Desc) + sizeof(PCMWAVEFORMAT);
+        requests.push_back({call.object, leading<Desc>(call.data), hasFormat,
+                            leading<WAVEFORMATEX>(call.data, sizeof(Desc)), call.result});
     }
     return requests;
+}
+
+// A test's names are checked: scripting a misspelt one would script nothing.
+void changeScript(TapState& state, const std::string& method, const std::function<void(Script&)>& change)
+{
+    if (!isScriptable(method))
+        throw std::invalid_argument("no scriptable DirectSound call is named " + method);
+    std::lock_guard<std::mutex> lock(state.mutex);
+    change(state.scripts[method]);
+}
+
+int faultsStartingWith(const TapState& state, const std::string& start)
+{
+    std::lock_guard<std::mutex> lock(state.mutex);
+    return static_cast<int>(std::count_if(state.faults.begin(), state.faults.end(),
+                                          [&](const std::string& fault) { return fault.rfind(start, 0) == 0; }));
 }
 
 } // namespace
@@ -62,44 +65,42 @@ DSoundTap::~DSoundTap()
 
 void DSoundTap::failAlways(const std::string& method, HRESULT hr)
 {
-    requireScriptable(method);
-    state_->script(method, std::nullopt, hr);
+    changeScript(*state_, method, [&](Script& script) { script.always = hr; });
 }
 
 void DSoundTap::failNth(const std::string& method, int nth, HRESULT hr)
 {
-    requireScriptable(method);
-    state_->script(method, nth, hr);
+    changeScript(*state_, method, [&](Script& script) { script.nth[nth] = hr; });
 }
 
 void DSoundTap::failNext(const std::string& method, HRESULT hr)
 {
-    failNth(method, state_->seen(method) + 1, hr);
+    changeScript(*state_, method, [&](Script& script) { script.nth[script.seen + 1] = hr; });
 }
 
 void DSoundTap::answer(const std::string& method, Answer answer)
 {
-    requireScriptable(method);
-    state_->answer(method, std::move(answer));
+    changeScript(*state_, method, [&](Script& script) { script.answer = std::move(answer); });
 }
 
 void DSoundTap::clearScript()
 {
-    state_->clearScript();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    for (auto& [method, script] : state_->scripts)
+        script = Script{{}, {}, {}, script.seen};
 }
 
 std::vector<Call> DSoundTap::calls() const
 {
-    return state_->calls();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    return state_->log;
 }
 
 std::vector<Call> DSoundTap::callsTo(const std::string& method) const
 {
-    std::vector<Call> matching;
-    for (const Call& call : calls()) {
-        if (call.method == method)
-            matching.push_back(call);
-    }
+    std::vector<Call> matching = calls();
+    const auto other = [&](const Call& call) { return call.method != method; };
+    matching.erase(std::remove_if(matching.begin(), matching.end(), other), matching.end());
     return matching;
 }
 
@@ -117,26 +118,27 @@ int DSoundTap::count(const std::string& method, const void* object) const
 
 void DSoundTap::clearLog()
 {
-    state_->clearLog();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->logBase += state_->log.size();
+    state_->log.clear();
 }
 
 std::vector<BufferRequest> DSoundTap::bufferRequests() const
 {
-    return creations<BufferRequest, DSBUFFERDESC>(calls(), "IDirectSound8::CreateSoundBuffer");
+    return creations<DSBUFFERDESC>(callsTo("IDirectSound8::CreateSoundBuffer"));
 }
 
 std::vector<CaptureBufferRequest> DSoundTap::captureBufferRequests() const
 {
-    return creations<CaptureBufferRequest, DSCBUFFERDESC>(calls(), "IDirectSoundCapture::CreateCaptureBuffer");
+    return creations<DSCBUFFERDESC>(callsTo("IDirectSoundCapture::CreateCaptureBuffer"));
 }
 
 std::vector<NotificationSet> DSoundTap::notificationSets() const
 {
     std::vector<NotificationSet> sets;
     for (const Call& call : callsTo("IDirectSoundNotify::SetNotificationPositions")) {
-        const TapObject* notify = state_->find(call.object);
         const auto* positions = reinterpret_cast<const DSBPOSITIONNOTIFY*>(call.data.data());
-        sets.push_back({call.object, notify ? notify->parent() : nullptr,
+        sets.push_back({call.object,
                         std::vector<DSBPOSITIONNOTIFY>(positions, positions + call.data.size() / sizeof *positions),
                         call.result});
     }
@@ -153,12 +155,14 @@ std::vector<Buffer3DSet> DSoundTap::buffer3DSets() const
 
 void DSoundTap::setPlaybackDevices(std::vector<DeviceEntry> devices)
 {
-    state_->setDevices(false, std::move(devices));
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->playbackDevices = std::move(devices);
 }
 
 void DSoundTap::setCaptureDevices(std::vector<DeviceEntry> devices)
 {
-    state_->setDevices(true, std::move(devices));
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->captureDevices = std::move(devices);
 }
 
 IUnknown* DSoundTap::real(const void* tapped) const
@@ -174,60 +178,58 @@ std::vector<BYTE> DSoundTap::contents(const void* buffer) const
         throw std::invalid_argument("not a buffer the tap handed out");
     void* first = nullptr;
     DWORD bytes = 0;
-    std::vector<BYTE> copy;
+    HRESULT hr;
+    const auto unlock = [&](auto* real) {
+        std::vector<BYTE> copy(static_cast<BYTE*>(first), static_cast<BYTE*>(first) + bytes);
+        real->Unlock(first, bytes, nullptr, 0);
+        return copy;
+    };
     if (std::string(tap->interfaceName()) == "IDirectSoundCaptureBuffer") {
         auto* real = static_cast<IDirectSoundCaptureBuffer*>(tap->realUnknown());
         DSCBCAPS caps{};
         caps.dwSize = sizeof caps;
-        if (FAILED(real->GetCaps(&caps)) || FAILED(real->Lock(0, caps.dwBufferBytes, &first, &bytes, nullptr, nullptr, 0)))
+        hr = real->GetCaps(&caps);
+        if (SUCCEEDED(hr))
+            hr = real->Lock(0, caps.dwBufferBytes, &first, &bytes, nullptr, nullptr, 0);
+        if (FAILED(hr))
             throw std::logic_error("the capture buffer cannot be read");
-        copy.assign(static_cast<BYTE*>(first), static_cast<BYTE*>(first) + bytes);
-        real->Unlock(first, bytes, nullptr, 0);
-        return copy;
+        return unlock(real);
     }
     auto* real = static_cast<IDirectSoundBuffer*>(tap->realUnknown());
     if (FAILED(real->Lock(0, 0, &first, &bytes, nullptr, nullptr, DSBLOCK_ENTIREBUFFER)))
         throw std::logic_error("the buffer cannot be read");
-    copy.assign(static_cast<BYTE*>(first), static_cast<BYTE*>(first) + bytes);
-    real->Unlock(first, bytes, nullptr, 0);
-    return copy;
+    return unlock(real);
 }
 
 void DSoundTap::setClock(DWORD ms)
 {
-    state_->setClock(ms);
-}
-
-void DSoundTap::advanceClock(DWORD ms)
-{
-    state_->advanceClock(ms);
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->clock = ms;
 }
 
 void DSoundTap::setClockStep(DWORD ms)
 {
-    state_->setClock(state_->clock(), ms);
-}
-
-DWORD DSoundTap::clock() const
-{
-    return state_->clock();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->clockStep = ms;
 }
 
 int DSoundTap::liveObjects() const
 {
-    const auto objects = state_->objects();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    const auto& objects = state_->objects;
     return static_cast<int>(
         std::count_if(objects.begin(), objects.end(), [](const TapObject* object) { return object->count() > 0; }));
 }
 
 std::string DSoundTap::leakReport() const
 {
+    std::lock_guard<std::mutex> lock(state_->mutex);
     std::ostringstream report;
-    for (TapObject* object : state_->objects()) {
+    for (TapObject* object : state_->objects) {
         if (object->count() > 0)
             report << object->interfaceName() << " at " << object->self() << " held " << object->count() << "\n";
     }
-    for (const std::string& fault : state_->faults())
+    for (const std::string& fault : state_->faults)
         report << fault << "\n";
     return report.str();
 }
@@ -240,18 +242,12 @@ LONG DSoundTap::refCount(const void* tapped) const
 
 int DSoundTap::overReleases() const
 {
-    const auto faults = state_->faults();
-    return static_cast<int>(std::count_if(faults.begin(), faults.end(), [](const std::string& fault) {
-        return fault.rfind("Release past zero", 0) == 0;
-    }));
+    return faultsStartingWith(*state_, "Release past zero");
 }
 
 int DSoundTap::deadObjectCalls() const
 {
-    const auto faults = state_->faults();
-    return static_cast<int>(std::count_if(faults.begin(), faults.end(), [](const std::string& fault) {
-        return fault.rfind("call through released", 0) == 0;
-    }));
+    return faultsStartingWith(*state_, "call through released");
 }
 
 int DSoundTap::openNotificationHandles() const

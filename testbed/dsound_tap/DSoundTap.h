@@ -32,7 +32,7 @@
 namespace dstap
 {
 
-class TapState;
+struct TapState;
 
 class DSoundTap
 {
@@ -95,9 +95,7 @@ public:
 
     // ---- Clock (what the library's milliseconds() reads) -------------------------------------
     void setClock(DWORD ms);
-    void advanceClock(DWORD ms);
     void setClockStep(DWORD ms); // added after every read, to drive a time loop step by step
-    DWORD clock() const;
 
     // ---- Accounting --------------------------------------------------------------------------
     int liveObjects() const; // interfaces the library still holds references on

@@ -1,14 +1,7 @@
 #include "TapObject.h"
 
-#include "TapFactories.h"
-
 namespace dstap
 {
-
-TapObject::TapObject(std::shared_ptr<TapState> state, IUnknown* real, const char* interfaceName, const void* parent)
-    : state_(std::move(state)), real_(real), interface_(interfaceName), parent_(parent)
-{
-}
 
 ULONG TapObject::addRef()
 {
@@ -47,9 +40,9 @@ HRESULT TapObject::query(REFIID riid, void** out)
             *out = self();
             return S_OK;
         }
-        return tapResult(state_, riid, real_->QueryInterface(riid, out), out, self());
+        return tapResult(state_, riid, real_->QueryInterface(riid, out), out);
     };
-    return forwardWith(std::string(interface_) + "::QueryInterface", bytesOf(&riid), work, &riid, out);
+    return forwardWith("::QueryInterface", bytesOf(&riid), work, &riid, out);
 }
 
 IUnknown* untapped(const std::shared_ptr<TapState>& state, const void* maybeTapped)
@@ -59,27 +52,31 @@ IUnknown* untapped(const std::shared_ptr<TapState>& state, const void* maybeTapp
     return static_cast<IUnknown*>(const_cast<void*>(maybeTapped));
 }
 
-HRESULT tapResult(const std::shared_ptr<TapState>& state, REFIID riid, HRESULT hr, void** out, const void* parent)
+HRESULT tapResult(const std::shared_ptr<TapState>& state, REFIID riid, HRESULT hr, void** out)
 {
     if (FAILED(hr) || !out || !*out)
         return hr;
     auto* real = static_cast<IUnknown*>(*out);
-    TapObject* made = newPlaybackTap(state, riid, real, parent);
+    TapObject* made = newPlaybackTap(state, riid, real);
     if (!made)
-        made = newCaptureTap(state, riid, real, parent);
+        made = newCaptureTap(state, riid, real);
     if (!made) {
         real->Release();
         *out = nullptr;
         return E_NOINTERFACE;
     }
+    std::lock_guard<std::mutex> lock(state->mutex);
     // The platform hands out one pointer per interface: keep one tap for it too.
-    if (TapObject* known = state->liveTapOf(real, made->interfaceName())) {
-        delete made;
-        known->adoptReference();
-        *out = known->self();
-        return hr;
+    for (TapObject* known : state->objects) {
+        if (known->realUnknown() == real && known->count() > 0 &&
+            std::string(known->interfaceName()) == made->interfaceName()) {
+            delete made;
+            known->adoptReference();
+            *out = known->self();
+            return hr;
+        }
     }
-    state->adopt(made);
+    state->objects.push_back(made);
     *out = made->self();
     return hr;
 }

@@ -14,7 +14,10 @@ namespace dstap
 class TapObject
 {
 public:
-    TapObject(std::shared_ptr<TapState> state, IUnknown* real, const char* interfaceName, const void* parent);
+    TapObject(std::shared_ptr<TapState> state, IUnknown* real, const char* interfaceName)
+        : state_(std::move(state)), real_(real), interface_(interfaceName)
+    {
+    }
     virtual ~TapObject() = default;
     TapObject(const TapObject&) = delete;
     TapObject& operator=(const TapObject&) = delete;
@@ -22,7 +25,6 @@ public:
     virtual void* self() = 0; // the interface pointer the library holds
     IUnknown* realUnknown() const { return real_; }
     const char* interfaceName() const { return interface_; }
-    const void* parent() const { return parent_; } // the object this one was asked of
     LONG count() const { return count_; }
     // The library has taken one more platform reference through this interface.
     void adoptReference() { ++count_; }
@@ -30,24 +32,24 @@ public:
 protected:
     ULONG addRef();
     ULONG release();
-    // QueryInterface: the platform's answer, tapped.
-    HRESULT query(REFIID riid, void** out);
+    HRESULT query(REFIID riid, void** out); // the platform's answer, tapped
 
-    template <class Work, class... A>
-    HRESULT forward(const std::string& method, Work&& work, A... args)
+    // Logs the call as the interface's name followed by `suffix` ("::Play"), with its arguments
+    // and a copy of the structure(s) in `data`, and answers it through the script or `work`.
+    template <class... A>
+    HRESULT forwardWith(const char* suffix, std::vector<BYTE> data, const std::function<HRESULT()>& work, A... args)
     {
-        return forwardWith(method, {}, std::forward<Work>(work), args...);
-    }
-
-    // As forward, logging a copy of the structure(s) the call was given.
-    template <class Work, class... A>
-    HRESULT forwardWith(const std::string& method, std::vector<BYTE> data, Work&& work, A... args)
-    {
+        const std::string method = interface_ + std::string(suffix);
         if (count_ <= 0) {
             state_->fault("call through released " + std::string(interface_) + ": " + method);
             return E_UNEXPECTED;
         }
-        return state_->run(method, self(), {toArg(args)...}, std::move(data), std::forward<Work>(work));
+        return state_->run(method, self(), {toArg(args)...}, std::move(data), work);
+    }
+    template <class... A>
+    HRESULT forward(const char* suffix, const std::function<HRESULT()>& work, A... args)
+    {
+        return forwardWith(suffix, {}, work, args...);
     }
 
     std::shared_ptr<TapState> state_;
@@ -55,17 +57,52 @@ protected:
 private:
     IUnknown* real_;
     const char* interface_;
-    const void* parent_;
     std::atomic<LONG> count_{1};
 };
+
+// A tapped interface of type I, logged under `interfaceName`.
+template <class I>
+class Tap : public I, public TapObject
+{
+public:
+    Tap(std::shared_ptr<TapState> state, IUnknown* real, const char* interfaceName)
+        : TapObject(std::move(state), real, interfaceName), real_(static_cast<I*>(real))
+    {
+    }
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override { return query(riid, out); }
+    ULONG STDMETHODCALLTYPE AddRef() override { return addRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return release(); }
+    void* self() override { return static_cast<I*>(this); }
+
+protected:
+    I* const real_;
+};
+
+// One forwarded method: logged with its arguments, then scripted or passed to the platform.
+// Out-values are written by the platform, or by a test's answer through the pointer arguments.
+#define DSTAP_CALL(METHOD, PARAMS, ...)                                                            \
+    HRESULT STDMETHODCALLTYPE METHOD PARAMS override                                              \
+    {                                                                                             \
+        return forward("::" #METHOD, [&] { return real_->METHOD(__VA_ARGS__); }, ##__VA_ARGS__);  \
+    }
+// A method the "8" version of the interface adds, logged under that name.
+#define DSTAP_CALL8(METHOD, PARAMS, ...)                                                           \
+    HRESULT STDMETHODCALLTYPE METHOD PARAMS override                                              \
+    {                                                                                             \
+        return forward("8::" #METHOD, [&] { return real_->METHOD(__VA_ARGS__); }, __VA_ARGS__);   \
+    }
 
 // The platform's interface behind a tapped one, for arguments that name another interface.
 IUnknown* untapped(const std::shared_ptr<TapState>& state, const void* maybeTapped);
 
 // Hands the library a tapped interface for a platform reference it has just been given (on
 // success; a failed call leaves *out null). `riid` chooses the tap's kind.
-HRESULT tapResult(const std::shared_ptr<TapState>& state, REFIID riid, HRESULT hr, void** out,
-                  const void* parent);
+HRESULT tapResult(const std::shared_ptr<TapState>& state, REFIID riid, HRESULT hr, void** out);
+
+// The tapped interfaces of each side, made for a platform interface of the kind `riid` names;
+// null for an interface of the other side.
+TapObject* newPlaybackTap(const std::shared_ptr<TapState>& state, REFIID riid, IUnknown* real);
+TapObject* newCaptureTap(const std::shared_ptr<TapState>& state, REFIID riid, IUnknown* real);
 
 template <class T>
 std::vector<BYTE> bytesOf(const T* value, size_t count = 1)
@@ -76,26 +113,14 @@ std::vector<BYTE> bytesOf(const T* value, size_t count = 1)
     return std::vector<BYTE>(first, first + count * sizeof(T));
 }
 
-// The boilerplate of a tapped interface: IUnknown, and one macro per forwarded method.
-#define DSTAP_IUNKNOWN(INTERFACE)                                                                \
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override                   \
-    {                                                                                            \
-        return query(riid, out);                                                                 \
-    }                                                                                            \
-    ULONG STDMETHODCALLTYPE AddRef() override { return addRef(); }                               \
-    ULONG STDMETHODCALLTYPE Release() override { return release(); }                             \
-    void* self() override { return static_cast<INTERFACE*>(this); }
-
-#define DSTAP_CALL(NAME, METHOD, PARAMS, ...)                                                     \
-    HRESULT STDMETHODCALLTYPE METHOD PARAMS override                                             \
-    {                                                                                            \
-        return forward(NAME "::" #METHOD, [&] { return real_->METHOD(__VA_ARGS__); }, __VA_ARGS__); \
-    }
-
-#define DSTAP_CALL0(NAME, METHOD)                                                                 \
-    HRESULT STDMETHODCALLTYPE METHOD() override                                                  \
-    {                                                                                            \
-        return forward(NAME "::" #METHOD, [&] { return real_->METHOD(); });                      \
-    }
+// A buffer description followed by the format it points to, if any.
+template <class Desc>
+std::vector<BYTE> descriptionBytes(const Desc* desc)
+{
+    std::vector<BYTE> data = bytesOf(desc);
+    const std::vector<BYTE> format = bytesOf(desc ? desc->lpwfxFormat : nullptr);
+    data.insert(data.end(), format.begin(), format.end());
+    return data;
+}
 
 } // namespace dstap

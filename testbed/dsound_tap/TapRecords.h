@@ -25,8 +25,6 @@ struct Call
     std::vector<BYTE> data;           // copy of the structure(s) the call was given, where logged
     HRESULT result = S_OK;            // what the library got back (AddRef/Release: the new count)
 
-    LONG argLong(size_t index) const { return static_cast<LONG>(args.at(index)); }
-    float argFloat(size_t index) const;
     // The pointer argument at `index`, for an answer that writes the call's out-values.
     template <class T>
     T* out(size_t index) const { return reinterpret_cast<T*>(args.at(index)); }
@@ -45,31 +43,23 @@ struct DeviceEntry
     std::string module;
 };
 
-// IDirectSound8::CreateSoundBuffer.
-struct BufferRequest
+// IDirectSound8::CreateSoundBuffer or IDirectSoundCapture::CreateCaptureBuffer.
+template <class Desc>
+struct CreationRequest
 {
     const void* device;
-    DSBUFFERDESC desc;
+    Desc desc;
     bool hasFormat;
     WAVEFORMATEX format; // copied during the call
     HRESULT result;
 };
-
-// IDirectSoundCapture::CreateCaptureBuffer.
-struct CaptureBufferRequest
-{
-    const void* device;
-    DSCBUFFERDESC desc;
-    bool hasFormat;
-    WAVEFORMATEX format;
-    HRESULT result;
-};
+using BufferRequest = CreationRequest<DSBUFFERDESC>;
+using CaptureBufferRequest = CreationRequest<DSCBUFFERDESC>;
 
 // IDirectSoundNotify::SetNotificationPositions, on a playback or a capture buffer.
 struct NotificationSet
 {
     const void* object; // the notify interface
-    const void* buffer; // the buffer it was asked of
     std::vector<DSBPOSITIONNOTIFY> positions;
     HRESULT result;
 };

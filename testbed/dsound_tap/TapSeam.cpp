@@ -4,7 +4,6 @@
 #include "DirectSoundSeam.h"
 
 #include "TapObject.h"
-#include "TapSeam.h"
 
 #include <stdexcept>
 
@@ -21,14 +20,35 @@ std::shared_ptr<dstap::TapState> installed()
     return g_installed;
 }
 
-
-HRESULT enumerate(const std::shared_ptr<dstap::TapState>& state, bool capture, LPDSENUMCALLBACKA callback,
-                  LPVOID context)
+template <class I>
+HRESULT create(const char* name, HRESULT(WINAPI* platform)(LPCGUID, I**, LPUNKNOWN), REFIID riid, LPCGUID device,
+               I** out, LPUNKNOWN outer)
 {
+    const auto state = installed();
+    if (!state)
+        return platform(device, out, outer);
+    if (out)
+        *out = nullptr;
+    const auto work = [&] {
+        return dstap::tapResult(state, riid, platform(device, out, outer), reinterpret_cast<void**>(out));
+    };
+    return state->run(name, nullptr, {dstap::toArg(device), dstap::toArg(out), dstap::toArg(outer)},
+                      dstap::bytesOf(device), work);
+}
+
+// Offers the test's device list, if it set one, instead of the system's.
+HRESULT enumerate(bool capture, LPDSENUMCALLBACKA callback, LPVOID context)
+{
+    const auto platform = capture ? DirectSoundCaptureEnumerateA : DirectSoundEnumerateA;
+    const auto state = installed();
+    if (!state)
+        return platform(callback, context);
     const auto work = [&]() -> HRESULT {
-        const auto devices = capture ? state->captureDevices() : state->playbackDevices();
+        std::unique_lock<std::mutex> lock(state->mutex);
+        const auto devices = capture ? state->captureDevices : state->playbackDevices;
+        lock.unlock();
         if (!devices)
-            return capture ? DirectSoundCaptureEnumerateA(callback, context) : DirectSoundEnumerateA(callback, context);
+            return platform(callback, context);
         for (const dstap::DeviceEntry& device : *devices) {
             GUID guid = device.guid;
             if (!callback(device.hasGuid ? &guid : nullptr, device.description.c_str(), device.module.c_str(), context))
@@ -66,50 +86,34 @@ namespace DSndPlatform
 
 HRESULT createSound8(LPCGUID device, LPDIRECTSOUND8* sound, LPUNKNOWN outer)
 {
-    const auto state = installed();
-    if (!state)
-        return DirectSoundCreate8(device, sound, outer);
-    if (sound)
-        *sound = nullptr;
-    const auto work = [&] {
-        return dstap::tapResult(state, IID_IDirectSound8, DirectSoundCreate8(device, sound, outer),
-                                reinterpret_cast<void**>(sound), nullptr);
-    };
-    return state->run("DirectSoundCreate8", nullptr, {dstap::toArg(device), dstap::toArg(sound), dstap::toArg(outer)},
-                      dstap::bytesOf(device), work);
+    return create("DirectSoundCreate8", DirectSoundCreate8, IID_IDirectSound8, device, sound, outer);
 }
 
 HRESULT createCapture8(LPCGUID device, LPDIRECTSOUNDCAPTURE8* capture, LPUNKNOWN outer)
 {
-    const auto state = installed();
-    if (!state)
-        return DirectSoundCaptureCreate8(device, capture, outer);
-    if (capture)
-        *capture = nullptr;
-    const auto work = [&] {
-        return dstap::tapResult(state, IID_IDirectSoundCapture, DirectSoundCaptureCreate8(device, capture, outer),
-                                reinterpret_cast<void**>(capture), nullptr);
-    };
-    return state->run("DirectSoundCaptureCreate8", nullptr,
-                      {dstap::toArg(device), dstap::toArg(capture), dstap::toArg(outer)}, dstap::bytesOf(device), work);
+    return create("DirectSoundCaptureCreate8", DirectSoundCaptureCreate8, IID_IDirectSoundCapture, device, capture,
+                  outer);
 }
 
 HRESULT enumerateSound(LPDSENUMCALLBACKA callback, LPVOID context)
 {
-    const auto state = installed();
-    return state ? enumerate(state, false, callback, context) : DirectSoundEnumerateA(callback, context);
+    return enumerate(false, callback, context);
 }
 
 HRESULT enumerateCapture(LPDSENUMCALLBACKA callback, LPVOID context)
 {
-    const auto state = installed();
-    return state ? enumerate(state, true, callback, context) : DirectSoundCaptureEnumerateA(callback, context);
+    return enumerate(true, callback, context);
 }
 
 DWORD milliseconds()
 {
     const auto state = installed();
-    return state ? state->readClock() : timeGetTime();
+    if (!state)
+        return timeGetTime();
+    std::lock_guard<std::mutex> lock(state->mutex);
+    const DWORD now = state->clock;
+    state->clock += state->clockStep;
+    return now;
 }
 
 } // namespace DSndPlatform
