@@ -16,11 +16,6 @@ namespace
 constexpr unsigned kFrameBytes = 4;  // 16-bit stereo, the capture device's default format
 constexpr double kChirpSeconds = 2.0, kStartHz = 300.0, kEndHz = 3000.0;
 
-double chirpHzAt(double seconds)
-{
-    return kStartHz + (kEndHz - kStartHz) * seconds / kChirpSeconds;
-}
-
 // Stereo at -6 dBFS, both channels alike.
 std::vector<int16_t> chirp()
 {
@@ -73,15 +68,13 @@ protected:
         Loopback::TearDown();
     }
 
-    // Collects what arrived, checking that the answer agrees with what was added.
+    // Collects what arrived. (What a collection answers, and that it hands over whole frames,
+    // is the unit tests' business.)
     void collect()
     {
         const unsigned long before = recorded.getDataSize();
-        const int result = recorder.recordUpdate();
-        const unsigned long added = recorded.getDataSize() - before;
-        EXPECT_EQ(added % kFrameBytes, 0u) << "a block of partial frames";
-        EXPECT_EQ(result != 0, added > 0) << "a collection's result disagrees with what it added";
-        handedOver += added;
+        recorder.recordUpdate();
+        handedOver += recorded.getDataSize() - before;
     }
 
     void collectFor(double seconds)
@@ -105,9 +98,7 @@ TEST_F(FacadeLoopback, RecordingHoldsThePlayedChirpWholeInOrderAndAtItsLevel)
     openDevice();
     CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&device);
     const std::vector<int16_t> played = chirp();
-    ASSERT_EQ(data.setNewSndData(reinterpret_cast<const char*>(played.data()),
-                                 static_cast<unsigned long>(played.size() * 2), pcmFormat(kRate, 2)),
-              1);
+    load(played, 2);
     // Held before in the recording's format: recording with the flag set appends to it.
     const std::vector<char> old(4000, 7);
     ASSERT_EQ(recorded.setNewSndData(old.data(), 4000, pcmFormat(kRate, 2)), 1);
@@ -151,10 +142,6 @@ TEST_F(FacadeLoopback, RecordingHoldsThePlayedChirpWholeInOrderAndAtItsLevel)
 
     for (unsigned channel : {0u, 1u})
         EXPECT_NEAR(rmsDbfs(slice(all, start + kRate / 10, reference.frames - kRate / 5), channel), -6.0, 3.0);
-    for (double t : {0.5, 1.0, 1.5})
-        EXPECT_NEAR(dominantFrequency(slice(all, start + static_cast<size_t>((t - 0.01) * kRate), kRate / 50), 0, kRate),
-                    chirpHzAt(t), chirpHzAt(t) * 0.03)
-            << "at " << t << " s";
     // Sample for sample from its first frame to its last: a join that lost or repeated a
     // piece leaves every later window out of line.
     for (size_t at = 0; at + 1024 <= reference.frames; at += 1024)

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <iterator>
 
 using namespace dsty_test;
 
@@ -50,13 +52,16 @@ void Loopback::openDevice()
     ASSERT_EQ(device.initDSndStimX(window, nullptr, DSSCL_PRIORITY), 1) << "no sound device: is the sound server up?";
 }
 
+void Loopback::load(const std::vector<int16_t>& pcm, unsigned channels)
+{
+    ASSERT_EQ(data.setNewSndData(reinterpret_cast<const char*>(pcm.data()),
+                                 static_cast<unsigned long>(pcm.size() * sizeof(int16_t)), pcmFormat(kRate, channels)),
+              1);
+}
+
 void Loopback::loadTone(double hz, double seconds, ToneChannels channels)
 {
-    const std::vector<int16_t> pcm = sineTone(hz, -6.0, seconds, kRate, channels);
-    const unsigned width = channels == ToneChannels::Mono ? 1 : 2;
-    ASSERT_EQ(data.setNewSndData(reinterpret_cast<const char*>(pcm.data()),
-                                 static_cast<unsigned long>(pcm.size() * sizeof(int16_t)), pcmFormat(kRate, width)),
-              1);
+    load(sineTone(hz, -6.0, seconds, kRate, channels), channels == ToneChannels::Mono ? 1 : 2);
 }
 
 void Loopback::startRecording()
@@ -82,13 +87,6 @@ PcmView Loopback::heardAt(double from, double seconds)
     return part;
 }
 
-PcmView Loopback::heardLast(double seconds)
-{
-    const PcmView all = view(heard, 2);
-    const size_t count = std::min(all.frames, static_cast<size_t>(seconds * kRate));
-    return slice(all, all.frames - count, count);
-}
-
 double Loopback::toneFrequency(PcmView pcm, unsigned channel)
 {
     std::vector<double> found;
@@ -103,6 +101,28 @@ double Loopback::toneFrequency(PcmView pcm, unsigned channel)
 double Loopback::leftMinusRightDb(PcmView pcm)
 {
     return rmsDbfs(pcm, 0) - rmsDbfs(pcm, 1);
+}
+
+std::string waveHeader(size_t size, WORD channels, WORD bits)
+{
+    const DWORD rate = 44100, dataSize = static_cast<DWORD>(size), riff = 36 + dataSize, fmtSize = 16;
+    const DWORD byteRate = rate * channels * bits / 8;
+    const WORD align = static_cast<WORD>(channels * bits / 8), pcm = 1;
+    std::string header;
+    auto put = [&](const void* p, size_t n) { header.append(static_cast<const char*>(p), n); };
+    put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&fmtSize, 4), put(&pcm, 2), put(&channels, 2);
+    put(&rate, 4), put(&byteRate, 4), put(&align, 2), put(&bits, 2), put("data", 4), put(&dataSize, 4);
+    return header;
+}
+
+std::vector<int16_t> readWave(const std::wstring& path)
+{
+    std::ifstream file(path.c_str(), std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (bytes.size() < 44 || bytes.compare(0, 44, waveHeader(bytes.size() - 44, 2, 16)) != 0)
+        return {};
+    const auto* samples = reinterpret_cast<const int16_t*>(bytes.data() + 44);
+    return std::vector<int16_t>(samples, samples + (bytes.size() - 44) / 2);
 }
 
 double stepHz(int second)

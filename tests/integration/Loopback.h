@@ -16,6 +16,13 @@
 // Texts of the message boxes shown since the test began; each was answered OK.
 std::vector<std::wstring>& shownMessages();
 
+// The canonical 44-byte header of a 44100 Hz PCM wave file holding `size` bytes, written here
+// without the library.
+std::string waveHeader(size_t size, WORD channels, WORD bits);
+// The samples of a 16-bit stereo wave file; none unless its header is the canonical one for
+// its size.
+std::vector<int16_t> readWave(const std::wstring& path);
+
 // Second k of the stepped tone carries 400 x (k + 1) Hz, so which part of a file is heard can
 // be told from its frequency.
 double stepHz(int second);
@@ -30,7 +37,9 @@ protected:
 
     // Opens the default device for the window at the priority level.
     void openDevice();
-    // Puts a -6 dBFS sine of `hz` into `data`: 16-bit PCM at 44100 Hz.
+    // Puts interleaved 16-bit PCM at 44100 Hz into `data`.
+    void load(const std::vector<int16_t>& pcm, unsigned channels);
+    // Puts a -6 dBFS sine of `hz` into `data`.
     void loadTone(double hz, double seconds, dsty_test::ToneChannels channels);
 
     // Starts hearing; what is played after this returns is in the recording.
@@ -40,8 +49,6 @@ protected:
     // `seconds` of what was heard, from `from` seconds after the first sound; the test fails
     // when nothing was heard or the recording ends before.
     dsty_test::PcmView heardAt(double from, double seconds);
-    // The last `seconds` of what was heard.
-    dsty_test::PcmView heardLast(double seconds);
 
     // The tone's frequency as the median over 50 ms pieces: a dropout of a few milliseconds
     // (the sound server short of processor time) spoils one piece, not the measurement.

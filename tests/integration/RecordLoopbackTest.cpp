@@ -2,17 +2,13 @@
 // tell their own position holds every frame once, in order, up to the stop; a circular
 // recording brings a played tone into the caller's block.
 
-#include "DirectSndty.h"
-#include "SignalAnalysis.h"
+#include "Loopback.h"
 #include "SndWaveWriteStreamty.h"
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <string>
 #include <thread>
 
 using namespace dsty_test;
@@ -88,25 +84,6 @@ public:
     void signalStop() { SetEvent(m_posNotify[0].hEventNotify); }
 };
 
-std::vector<int16_t> readWaveData(const std::wstring& path, DWORD& headerDataBytes)
-{
-    std::vector<int16_t> pcm;
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return pcm;
-    const DWORD size = GetFileSize(file, nullptr);
-    std::vector<BYTE> all(size);
-    DWORD got = 0;
-    ReadFile(file, all.data(), size, &got, nullptr);
-    CloseHandle(file);
-    if (got < 44)
-        return pcm;
-    memcpy(&headerDataBytes, all.data() + 40, 4);
-    pcm.resize((got - 44) / 2);
-    memcpy(pcm.data(), all.data() + 44, pcm.size() * 2);
-    return pcm;
-}
-
 // Records 5.3 s of the marked signal through the streamed capture; empty when the file holds
 // every frame once and in order up to the stop, else what was wrong.
 std::string recordMarkedSignal()
@@ -136,11 +113,10 @@ std::string recordMarkedSignal()
     worker.join();
     capture.reset();
 
-    DWORD dataBytes = 0;
-    const std::vector<int16_t> pcm = readWaveData(name, dataBytes);
+    const std::vector<int16_t> pcm = readWave(name);
     DeleteFileW(name);
-    if (pcm.size() * 2 != dataBytes)
-        return "the header's data size disagrees with the file";
+    if (pcm.empty())
+        return "the header's sizes disagree with the file";
     if (std::fabs(5.3 - pcm.size() / 2.0 / kRate) > 0.4)
         return "the file holds " + std::to_string(pcm.size() / 2.0 / kRate) + " s, not 5.3 s with its tail";
     size_t first = 0;
@@ -186,10 +162,10 @@ TEST(RecordLoopback, CircularRecordingBringsThePlayedToneIntoTheBlock)
     ASSERT_TRUE(player.start(kRate, toneFrame));
     Sleep(300);
     const unsigned long kBytes = 1587600; // one position step: the stop entry alone is registered
-    char* block = static_cast<char*>(malloc(kBytes));
+    std::vector<char> block(kBytes);
     auto capture = std::make_unique<StopSignalledCapture>();
     tWAVEFORMATEX wfx = {WAVE_FORMAT_PCM, 2, kRate, 4 * kRate, 4, 16, 0};
-    ASSERT_EQ(1, capture->initDataSizeWfxCirclePro(wfx, kBytes, block));
+    ASSERT_EQ(1, capture->initDataSizeWfxCirclePro(wfx, kBytes, block.data()));
     ASSERT_EQ(1, capture->recordStart());
     Sleep(1100); // of the 1.5 s the 264,600-byte buffer holds
     EXPECT_EQ(0u, capture->getNewRecordDataSize());
@@ -200,8 +176,8 @@ TEST(RecordLoopback, CircularRecordingBringsThePlayedToneIntoTheBlock)
     capture.reset();
     ASSERT_GE(got, 4u * kRate * 3 / 4);
     ASSERT_LE(got, 264600u);
-    std::vector<int16_t> pcm(reinterpret_cast<int16_t*>(block), reinterpret_cast<int16_t*>(block) + got / 2);
-    free(block);
+    const auto* samples = reinterpret_cast<const int16_t*>(block.data());
+    const std::vector<int16_t> pcm(samples, samples + got / 2);
     const PcmView recorded = view(pcm, 2);
     EXPECT_NEAR(1050.0, dominantFrequency(slice(recorded, kRate / 2, kRate / 4), 0, kRate), 10.0);
 }

@@ -1,13 +1,18 @@
 // stimctl as a user runs it: a separate process whose exit status, output and files are
-// checked, and whose sound is recorded back through the loopback.
+// checked, and whose sound is recorded back through the loopback. Its commands play through
+// the library's buffers and record/play object, so these are also the loopback's checks of
+// a sound played once, looped, panned, placed and moved in 3D. (A pan changed while a buffer
+// plays is the platform's business once the library has set it, which the unit tests check.)
 
 #include "ChildProcess.h"
 #include "Loopback.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
-#include <iterator>
 #include <memory>
 
 using namespace dsty_test;
@@ -24,46 +29,12 @@ size_t lineCount(const std::string& text)
     return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-// The canonical 44-byte header of a 44100 Hz PCM wave file holding `size` bytes.
-std::string waveHeader(size_t size, WORD channels, WORD bits)
-{
-    const DWORD rate = 44100, dataSize = static_cast<DWORD>(size), riff = 36 + dataSize, fmtSize = 16;
-    const DWORD byteRate = rate * channels * bits / 8;
-    const WORD align = static_cast<WORD>(channels * bits / 8), pcm = 1;
-    std::string header;
-    auto put = [&](const void* p, size_t n) { header.append(static_cast<const char*>(p), n); };
-    put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&fmtSize, 4), put(&pcm, 2), put(&channels, 2);
-    put(&rate, 4), put(&byteRate, 4), put(&align, 2), put(&bits, 2), put("data", 4), put(&dataSize, 4);
-    return header;
-}
-
 // Written here without the library.
 void writeWave(const std::wstring& path, const std::vector<int16_t>& samples, WORD channels, WORD bits)
 {
     std::ofstream file(path.c_str(), std::ios::binary);
     file << waveHeader(samples.size() * 2, channels, bits);
     file.write(reinterpret_cast<const char*>(samples.data()), static_cast<std::streamsize>(samples.size() * 2));
-}
-
-// The samples of a 16-bit stereo wave file; none unless its header is the canonical one for
-// its size.
-std::vector<int16_t> readWave(const std::wstring& path)
-{
-    std::ifstream file(path.c_str(), std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (bytes.size() < 44 || bytes.compare(0, 44, waveHeader(bytes.size() - 44, 2, 16)) != 0)
-        return {};
-    const auto* samples = reinterpret_cast<const int16_t*>(bytes.data() + 44);
-    return std::vector<int16_t>(samples, samples + (bytes.size() - 44) / 2);
-}
-
-std::wstring scratchFolder()
-{
-    wchar_t temp[MAX_PATH] = L"";
-    GetTempPathW(MAX_PATH, temp);
-    const std::wstring folder = std::wstring(temp) + L"stimctl-test\\";
-    CreateDirectoryW(folder.c_str(), nullptr);
-    return folder;
 }
 
 // Replaces every {name} in `text` by the scratch file of that name.
@@ -84,7 +55,10 @@ protected:
     void SetUp() override
     {
         Loopback::SetUp();
-        folder = scratchFolder();
+        wchar_t temp[MAX_PATH] = L"";
+        GetTempPathW(MAX_PATH, temp);
+        folder = std::wstring(temp) + L"stimctl-test\\";
+        CreateDirectoryW(folder.c_str(), nullptr);
         writeWave(folder + L"tone.wav", sineTone(500.0, -6.0, 0.4, kRate, ToneChannels::Both), 2, 16);
     }
 
@@ -112,14 +86,20 @@ protected:
     std::wstring folder;
 };
 
-// Wrong arguments and failing files: a non-zero status and one line saying why; usage
-// mistakes (status 2) point to --help.
-TEST_F(Stimctl, RefusesWithOneLineAndItsStatus)
+// Help, wrong arguments and failing files, all at once: none of them reaches the sound
+// device. Help goes to standard output; a refusal is one line saying why with a non-zero
+// status, and usage mistakes (status 2) point to --help.
+TEST_F(Stimctl, HelpsAndRefusesWithOneLineAndItsStatus)
 {
     writeWave(folder + L"deep.wav", std::vector<int16_t>(300, 0), 2, 24);
     std::ofstream((folder + L"text.wav").c_str()) << "not a wave file at all\n";
-    // {name} in the arguments stands for the scratch file name.wav.
-    const struct { const wchar_t* arguments; DWORD status; const char* reason; } refusals[] = {
+    // {name} in the arguments stands for the scratch file name.wav. Text: how the help begins,
+    // or what the refusal says.
+    const struct { const wchar_t* arguments; DWORD status; const char* text; } runs[] = {
+        {L"--help", 0, "usage: stimctl COMMAND"},       {L"devices --help", 0, "usage: stimctl devices"},
+        {L"caps --help", 0, "usage: stimctl caps"},     {L"play --help", 0, "usage: stimctl play"},
+        {L"tone --help", 0, "usage: stimctl tone"},     {L"record --help", 0, "usage: stimctl record"},
+        {L"playrec --help", 0, "usage: stimctl playrec"},
         {L"", 2, "no command"},
         {L"frobnicate", 2, "unknown command \"frobnicate\""},
         {L"play", 2, "no wave file"},
@@ -146,38 +126,26 @@ TEST_F(Stimctl, RefusesWithOneLineAndItsStatus)
         {L"record {no\\such\\folder} --bytes 4000", 1, "cannot be opened"},
         {L"playrec {tone}", 2, "no output file"},
     };
-    // All at once: none of them reaches the sound device.
-    std::vector<std::unique_ptr<ChildProcess>> runs;
-    for (const auto& refusal : refusals)
-        runs.emplace_back(new ChildProcess(L"stimctl.exe", withFiles(refusal.arguments, folder)));
-    for (size_t i = 0; i < runs.size(); ++i)
+    std::vector<std::unique_ptr<ChildProcess>> started;
+    for (const auto& run : runs)
+        started.emplace_back(new ChildProcess(L"stimctl.exe", withFiles(run.arguments, folder)));
+    for (size_t i = 0; i < started.size(); ++i)
     {
-        const auto& refusal = refusals[i];
-        const Outcome outcome = runs[i]->finish();
-        SCOPED_TRACE(refusal.reason);
-        EXPECT_EQ(outcome.status, refusal.status);
-        EXPECT_EQ(lineCount(outcome.err), 1u) << outcome.err;
-        EXPECT_NE(outcome.err.find(refusal.reason), std::string::npos) << outcome.err;
-        EXPECT_EQ(outcome.err.find("--help") != std::string::npos, refusal.status == 2) << outcome.err;
-        EXPECT_EQ(outcome.out, "");
+        const auto& run = runs[i];
+        const Outcome outcome = started[i]->finish();
+        SCOPED_TRACE(run.text);
+        EXPECT_EQ(outcome.status, run.status);
+        const bool help = run.status == 0;
+        const size_t at = (help ? outcome.out : outcome.err).find(run.text);
+        EXPECT_TRUE(at == 0 || (!help && at != std::string::npos)) << outcome.out << outcome.err;
+        EXPECT_EQ(help ? outcome.err : outcome.out, "");
+        EXPECT_TRUE(help || lineCount(outcome.err) == 1u) << outcome.err;
+        EXPECT_EQ(outcome.err.find("--help") != std::string::npos, run.status == 2) << outcome.err;
     }
 }
 
-TEST_F(Stimctl, HelpAndTheDeviceReports)
+TEST_F(Stimctl, DeviceReports)
 {
-    const std::vector<std::string> commands = {"", "devices", "caps", "play", "tone", "record", "playrec"};
-    std::vector<std::unique_ptr<ChildProcess>> runs;
-    for (const std::string& command : commands)
-        runs.emplace_back(new ChildProcess(L"stimctl.exe", std::wstring(command.begin(), command.end()) + L" --help"));
-    for (size_t i = 0; i < runs.size(); ++i)
-    {
-        const std::string& command = commands[i];
-        const Outcome outcome = runs[i]->finish();
-        EXPECT_EQ(outcome.status, 0u) << command;
-        EXPECT_EQ(outcome.out.rfind("usage: stimctl " + (command.empty() ? "COMMAND" : command), 0), 0u) << outcome.out;
-        EXPECT_EQ(outcome.err, "") << command;
-    }
-
     const Outcome devices = stimctl(L"devices");
     ASSERT_EQ(devices.status, 0u) << devices.err;
     int playback = 0, capture = 0;
@@ -185,10 +153,9 @@ TEST_F(Stimctl, HelpAndTheDeviceReports)
     ASSERT_EQ(std::sscanf(devices.out.c_str(), "playback devices: %d", &playback), 1) << devices.out;
     ASSERT_NE(captureAt, std::string::npos) << devices.out;
     std::sscanf(devices.out.c_str() + captureAt, "capture devices: %d", &capture);
-    EXPECT_GE(playback, 1);
-    EXPECT_GE(capture, 1);
     EXPECT_LT(devices.out.find(" default "), captureAt) << "no default playback device";
-    EXPECT_EQ(lineCount(devices.out), static_cast<size_t>(playback + capture + 2));
+    EXPECT_GE(capture, 1);
+    EXPECT_EQ(lineCount(devices.out), static_cast<size_t>(playback + capture + 2)) << "a line for each device";
 
     const Outcome caps = stimctl(L"caps");
     ASSERT_EQ(caps.status, 0u) << caps.err;
@@ -243,57 +210,48 @@ TEST_F(Stimctl, PlaysAsAsked)
     }
 }
 
+// Mono data from (-5,0,1) at 10 units a second for one second: far left, past the front
+// halfway, far right at last.
 TEST_F(Stimctl, MovingSourceCrossesFromLeftToRight)
 {
     writeWave(folder + L"second.wav", sineTone(500.0, -6.0, 1.0, kRate, ToneChannels::Mono), 1, 16);
     const Outcome outcome = hear(L"play {second} --3d -5,0,1 --move 10,0,0");
     ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_GT(leftMinusRightDb(heardAt(0.0, 0.2)), 6.0);
-    EXPECT_LT(leftMinusRightDb(heardAt(0.8, 0.2)), -6.0);
+    EXPECT_GT(leftMinusRightDb(heardAt(0.0, 0.2)), 6.0) << "not on the left at first";
+    EXPECT_NEAR(leftMinusRightDb(heardAt(0.4, 0.2)), 0.0, 3.0) << "not in front halfway through";
+    EXPECT_LT(leftMinusRightDb(heardAt(0.8, 0.2)), -6.0) << "not on the right at last";
 }
 
-// Recording by time while a tone plays: a valid wave file of the asked length holding the tone.
+// Recording while a tone plays, by time into the capture buffer or streamed past its two
+// seconds: a valid wave file of the asked length that holds the tone, its tail after the last
+// notification included.
 TEST_F(Stimctl, RecordWhileATonePlaysWritesItToAValidWaveFile)
 {
-    const std::wstring out = folder + L"recorded.wav";
-    DeleteFileW(out.c_str());
-    ChildProcess recording(L"stimctl.exe", L"record " + out + L" --seconds 2");
-    ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
-    const Outcome tone = stimctl(L"tone 1000 0.5");
-    const Outcome outcome = recording.finish();
-    ASSERT_EQ(tone.status, 0u) << tone.err;
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_NE(outcome.out.find("recording 1/2 s\nrecording 2/2 s\n"), std::string::npos) << outcome.out;
-    EXPECT_NE(outcome.out.find("recorded 2.000 s (352800 bytes)"), std::string::npos) << outcome.out;
-
-    heard = readWave(out);
-    ASSERT_EQ(heard.size() * 2, 352800u) << "not a 2 s 44100 Hz 16-bit stereo wave file whose sizes agree";
-    const PcmView steady = heardAt(0.1, 0.25);
-    EXPECT_NEAR(dominantFrequency(steady, 0, kRate), 1000.0, 5.0);
-    EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
-}
-
-// A streamed recording outlasts the two-second capture buffer and holds what played, its tail
-// after the last notification included.
-TEST_F(Stimctl, StreamedRecordOutlastsTheCaptureBuffer)
-{
-    const std::wstring out = folder + L"streamed.wav";
-    DeleteFileW(out.c_str());
-    ChildProcess recording(L"stimctl.exe", L"record " + out + L" --stream --seconds 3.5");
-    ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
-    const Outcome tone = stimctl(L"tone 1000 0.5");
-    const Outcome outcome = recording.finish();
-    ASSERT_EQ(tone.status, 0u) << tone.err;
-    ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    EXPECT_NE(outcome.out.find("recording 1 s\nrecording 2 s\nrecording 3 s\n"), std::string::npos) << outcome.out;
-
-    const std::vector<int16_t> samples = readWave(out);
-    ASSERT_FALSE(samples.empty()) << "no 44.1 kHz 16-bit stereo file whose header agrees with its size";
-    EXPECT_NEAR(samples.size() / 2.0 / kRate, 3.5, 0.3);
-    const PcmView all = view(samples, 2);
-    const long long onset = onsetFrame(all, -40.0);
-    ASSERT_GE(onset, 0) << "the tone is not in the recording";
-    EXPECT_NEAR(dominantFrequency(slice(all, static_cast<size_t>(onset) + kRate / 10, kRate / 4), 0, kRate), 1000.0, 5.0);
+    // Within: how far the length may be from the asked one, seconds.
+    const struct { const wchar_t* options; const char *progress, *summary; double seconds, within; } records[] = {
+        {L" --seconds 2", "recording 1/2 s\nrecording 2/2 s\n", "recorded 2.000 s (352800 bytes)", 2.0, 0.0},
+        {L" --stream --seconds 3.5", "recording 1 s\nrecording 2 s\nrecording 3 s\n", "", 3.5, 0.3},
+    };
+    for (const auto& record : records)
+    {
+        SCOPED_TRACE(record.seconds);
+        const std::wstring out = folder + L"recorded.wav";
+        DeleteFileW(out.c_str());
+        ChildProcess recording(L"stimctl.exe", L"record " + out + record.options);
+        ASSERT_TRUE(recording.awaitOutput("recording ")) << "the recording did not start";
+        const Outcome tone = stimctl(L"tone 1000 0.5");
+        const Outcome outcome = recording.finish();
+        ASSERT_EQ(tone.status, 0u) << tone.err;
+        ASSERT_EQ(outcome.status, 0u) << outcome.err;
+        EXPECT_NE(outcome.out.find(record.progress), std::string::npos) << outcome.out;
+        EXPECT_NE(outcome.out.find(record.summary), std::string::npos) << outcome.out;
+        heard = readWave(out);
+        ASSERT_FALSE(heard.empty()) << "no 44.1 kHz 16-bit stereo file whose header agrees with its size";
+        EXPECT_NEAR(heard.size() / 2.0 / kRate, record.seconds, record.within);
+        const PcmView steady = heardAt(0.1, 0.25);
+        EXPECT_NEAR(dominantFrequency(steady, 0, kRate), 1000.0, 5.0);
+        EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
+    }
 }
 
 // Recording by size keeps whole frames; playrec reports what it heard and keeps it.
@@ -305,18 +263,15 @@ TEST_F(Stimctl, RecordBySizeAndPlayrec)
 
     const Outcome outcome = stimctl(withFiles(L"playrec {tone} {playrec} --pad 0.3", folder));
     ASSERT_EQ(outcome.status, 0u) << outcome.err;
-    double leftPeak = 0.0, rightPeak = 0.0, rms = 0.0, onsetMs = -1.0;
-    const size_t left = outcome.out.find("level left:"), right = outcome.out.find("level right:"),
-                 onset = outcome.out.find("onset:");
-    ASSERT_TRUE(left != std::string::npos && right != std::string::npos && onset != std::string::npos) << outcome.out;
-    std::sscanf(outcome.out.c_str() + left, "level left: peak %lf dBFS, rms %lf", &leftPeak, &rms);
-    std::sscanf(outcome.out.c_str() + right, "level right: peak %lf", &rightPeak);
-    std::sscanf(outcome.out.c_str() + onset, "onset: %lf ms", &onsetMs);
-    EXPECT_NEAR(leftPeak, -6.0, 1.0);
-    EXPECT_NEAR(rightPeak, -6.0, 1.0);
-    EXPECT_NEAR(rms, -9.0, 1.0);
-    EXPECT_GT(onsetMs, 0.0);
-    EXPECT_LT(onsetMs, 300.0);
+    // The figure after the first `label` in the report; not a number when it is missing.
+    const auto figure = [&](const char* label) {
+        const size_t at = outcome.out.find(label);
+        return at == std::string::npos ? NAN : std::atof(outcome.out.c_str() + at + std::strlen(label));
+    };
+    EXPECT_NEAR(figure("level left: peak "), -6.0, 1.0) << outcome.out;
+    EXPECT_NEAR(figure("level right: peak "), -6.0, 1.0);
+    EXPECT_NEAR(figure("dBFS, rms "), -9.0, 1.0);
+    EXPECT_NEAR(figure("onset: "), 150.0, 150.0) << "ms after the start of the recording";
     EXPECT_GT(readWave(folder + L"playrec.wav").size() / 2, static_cast<size_t>(0.7 * kRate))
         << "shorter than the sound and the pad";
 }

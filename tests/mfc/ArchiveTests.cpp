@@ -2,6 +2,7 @@
 // hostile file must end in.
 #include <afx.h>
 #include <functional>
+#include <tuple>
 #include <gtest/gtest.h>
 
 namespace
@@ -66,28 +67,20 @@ int archiveCause(const std::function<void()>& action)
 }
 } // namespace
 
+// The widths the library's settings files hold.
 TEST(CArchiveTest, EveryWidthIsLittleEndianAndUnpadded)
 {
     TempFile file(L"widths.bin");
-    const std::string bytes = stored(file, [](CArchive& ar) {
-        ar << (BYTE)0x12 << (WORD)0x3456 << (LONG)-2 << (DWORD)0x01020304 << (int)-3 << (unsigned)5
-           << (short)-4 << 'c' << true << 1.0f << 1.0 << (LONGLONG)-6 << (ULONGLONG)0x0102030405060708ULL;
-    });
-    const std::string expected("\x12" "\x56\x34" "\xFE\xFF\xFF\xFF" "\x04\x03\x02\x01" "\xFD\xFF\xFF\xFF"
-                               "\x05\x00\x00\x00" "\xFC\xFF" "c" "\x01" "\x00\x00\x80\x3F"
-                               "\x00\x00\x00\x00\x00\x00\xF0\x3F" "\xFA\xFF\xFF\xFF\xFF\xFF\xFF\xFF"
-                               "\x08\x07\x06\x05\x04\x03\x02\x01",
-                               51);
-    EXPECT_EQ(expected, bytes);
-
+    EXPECT_EQ(std::string("\x56\x34" "\xFE\xFF\xFF\xFF" "\x04\x03\x02\x01" "\x00\x00\x80\x3F", 14),
+              stored(file, [](CArchive& ar) { ar << (WORD)0x3456 << (LONG)-2 << (DWORD)0x01020304 << 1.0f; }));
     CFile in(file.path.c_str(), CFile::modeRead);
     CArchive ar(&in, CArchive::load);
-    BYTE by; WORD w; LONG l; DWORD dw; int i; unsigned u; short sh; char ch; bool b; float f; double d;
-    LONGLONG ll; ULONGLONG ull;
-    ar >> by >> w >> l >> dw >> i >> u >> sh >> ch >> b >> f >> d >> ll >> ull;
-    EXPECT_EQ(0x12, by); EXPECT_EQ(0x3456, w); EXPECT_EQ(-2, l); EXPECT_EQ(0x01020304u, dw);
-    EXPECT_EQ(-3, i); EXPECT_EQ(5u, u); EXPECT_EQ(-4, sh); EXPECT_EQ('c', ch); EXPECT_TRUE(b);
-    EXPECT_EQ(1.0f, f); EXPECT_EQ(1.0, d); EXPECT_EQ(-6, ll); EXPECT_EQ(0x0102030405060708ULL, ull);
+    WORD w;
+    LONG l;
+    DWORD dw;
+    float f;
+    ar >> w >> l >> dw >> f;
+    EXPECT_EQ(std::make_tuple(0x3456, -2L, 0x01020304UL, 1.0f), std::make_tuple(w, l, dw, f));
 }
 
 // Strings are stored in MFC's UTF-16 form, the length escaped at its byte and word limits.
@@ -114,7 +107,8 @@ TEST(CArchiveTest, StringLayouts)
     }
 }
 
-TEST(CArchiveTest, ShortOrHostileFilesEndTheFileAndWrongDirectionsAreRefused)
+// (The library never stores into a loading archive or the reverse, nor reads raw blocks.)
+TEST(CArchiveTest, ShortOrHostileFilesEndTheFile)
 {
     TempFile file(L"short.bin");
     file.write(std::string("\x07\x00\x00\x00\x01\x02", 6));
@@ -125,22 +119,12 @@ TEST(CArchiveTest, ShortOrHostileFilesEndTheFileAndWrongDirectionsAreRefused)
         EXPECT_EQ(CArchiveException::endOfFile, archiveCause([&] { ar >> first >> second; }));
         EXPECT_EQ(7u, first);
         EXPECT_EQ(0xABCDu, second); // a field is read whole or not at all
-        char rest[8];
-        EXPECT_EQ(2u, ar.Read(rest, 8)); // Read gives what there is
-        EXPECT_EQ(CArchiveException::readOnly, archiveCause([&] { ar << (DWORD)1; }));
-        EXPECT_EQ(CArchiveException::readOnly, archiveCause([&] { ar << CString(L"x"); }));
     }
     // A length of three quarters of a gigabyte ends the file instead of allocating.
     file.write(std::string("\xFF\xFE\xFF\xFF\xFF\xFF\x00\x00\x00\x30", 10) + "abcd");
-    {
-        CFile in(file.path.c_str(), CFile::modeRead);
-        CArchive ar(&in, CArchive::load);
-        CString text(L"kept");
-        EXPECT_EQ(CArchiveException::endOfFile, archiveCause([&] { ar >> text; }));
-        EXPECT_STREQ(L"kept", text);
-    }
-    CFile out(file.path.c_str(), CFile::modeCreate | CFile::modeWrite);
-    CArchive ar(&out, CArchive::store);
-    DWORD value;
-    EXPECT_EQ(CArchiveException::writeOnly, archiveCause([&] { ar >> value; }));
+    CFile in(file.path.c_str(), CFile::modeRead);
+    CArchive ar(&in, CArchive::load);
+    CString text(L"kept");
+    EXPECT_EQ(CArchiveException::endOfFile, archiveCause([&] { ar >> text; }));
+    EXPECT_STREQ(L"kept", text);
 }

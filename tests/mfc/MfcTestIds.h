@@ -1,8 +1,7 @@
 #pragma once
-// Resource ids shared by the test program, its resource script and the resource DLL.
+// Resource ids shared by the test program and its resource script.
 
 #define IDD_NUMBERS 100
-#define IDD_DLL_ONLY 200
 #define IDD_NOWHERE 999
 
 #define IDC_INT 1001

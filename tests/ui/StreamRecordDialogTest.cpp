@@ -1,6 +1,7 @@
-// The stream recorder, opened by the facade's recordStreamty as modal and as modeless
-// dialog and worked by a second thread as a user would: defaults and button states, the
-// file opened under its bare name with the tail after the last position in it, a second "Setup stream" closing the first file, and replacement mid-recording.
+// The stream recorder, opened by the facade's recordStreamty as a modeless dialog and
+// worked by a second thread as a user would: defaults and button states, the
+// file opened under its bare name with the tail after the last position in it, a second
+// "Setup stream" closing the first file, and replacement mid-recording.
 
 #include "UiTestSupport.h"
 
@@ -13,24 +14,9 @@ namespace
 const wchar_t kCaption[] = L"Direct sound record stream";
 const long kBytesPerSecond = 44100 * 4;
 
-// Enabled states of "Setup stream", "Record", "Stop".
-std::vector<bool> buttonStates(HWND dialog)
-{
-    return {isControlEnabled(dialog, IDC_BTN_STREAM_SETUP), isControlEnabled(dialog, IDC_BTN_STREAM_RECORD),
-            isControlEnabled(dialog, IDC_BTN_STREAM_RECORD_STOP)};
-}
-
-const std::vector<bool> kFresh = {true, false, false};
-const std::vector<bool> kSetUp = {true, true, false};
-const std::vector<bool> kRecording = {false, false, true};
-const std::vector<bool> kStopped = {true, true, true};
-
-bool becomes(HWND dialog, const std::vector<bool>& states)
-{
-    for (int waited = 0; buttonStates(dialog) != states && waited < 3000; waited += 20)
-        Sleep(20);
-    return buttonStates(dialog) == states;
-}
+// "Setup stream", "Record" and "Stop", and which of them are enabled when.
+const auto kButtons = {IDC_BTN_STREAM_SETUP, IDC_BTN_STREAM_RECORD, IDC_BTN_STREAM_RECORD_STOP};
+const char kFresh[] = "100", kSetUp[] = "110", kRecording[] = "001", kStopped[] = "111";
 
 // Data bytes of a wave file whose header (sizes at 4 and 40) agrees with its length; -1 if not.
 long finishedDataBytes(const std::wstring& path)
@@ -68,7 +54,7 @@ protected:
         GetTempPathW(MAX_PATH, temp);
         folder = std::wstring(temp) + L"stream-record-ui\\";
         CreateDirectoryW(folder.c_str(), nullptr);
-        for (const wchar_t* name : {L"first.wav", L"second.wav"})
+        for (const wchar_t* name : {L"first.wav", L"second.wav", L"third.wav"})
             DeleteFileW((folder + name).c_str()); // or the file dialog would ask about it
     }
     void TearDown() override
@@ -84,7 +70,7 @@ protected:
     std::wstring setUp(HWND dialog, const wchar_t* name)
     {
         EXPECT_TRUE(pressButton(dialog, IDC_BTN_STREAM_SETUP) && answerFileDialog(L"Save As", folder + name) &&
-                    becomes(dialog, kSetUp));
+                    becomes(dialog, kButtons, kSetUp));
         wchar_t current[MAX_PATH];
         GetCurrentDirectoryW(MAX_PATH, current);
         made.push_back(std::wstring(current) + L"\\" + name);
@@ -96,69 +82,41 @@ protected:
     CSndDataRecordPlaytyx facade;
 };
 
-TEST_F(StreamRecordDialog, RecordsIntoTheBareFileNameAndStopLeavesStopEnabled)
+// Opened modeless by the facade, on the defaults: a second "Setup stream" closes the first
+// file and the recording goes into the second, the tail after the last position included;
+// Stop leaves Stop enabled. Another facade's call replaces the recorder mid-recording, and the
+// file it leaves is whole.
+TEST_F(StreamRecordDialog, RecordsIntoTheLastFileSetUpAndAReplacementMidRecordingLeavesItWhole)
 {
-    std::vector<std::wstring> shown;
-    std::vector<std::vector<bool>> states;
-    std::wstring file;
-    const int result = runDialog(kCaption, [&](HWND dlg) {
-        shown = {controlText(dlg, IDC_CMB_RECORD_CHANNEL), controlText(dlg, IDC_CMB_RECORD_SAMPLING_RATE),
-                 controlText(dlg, IDC_CMB_RECORD_BITS_PER_SAMPLE)};
-        states.push_back(buttonStates(dlg));
-        file = setUp(dlg, L"first.wav");
-        shown.push_back(controlText(dlg, IDC_EDIT_STREAM_FILE_NAME));
+    ASSERT_EQ(facade.recordStreamty(false), 1);
+    HWND dlg = nullptr;
+    std::wstring recorded, replaced;
+    pumpMessagesWhile([&] {
+        dlg = waitForWindow(kCaption);
+        EXPECT_EQ(texts(dlg, {IDC_CMB_RECORD_CHANNEL, IDC_CMB_RECORD_SAMPLING_RATE, IDC_CMB_RECORD_BITS_PER_SAMPLE}),
+                  (std::vector<std::wstring>{L"2", L"44100", L"16"}));
+        EXPECT_EQ(enabled(dlg, kButtons), kFresh);
+        const std::wstring first = setUp(dlg, L"first.wav");
+        recorded = setUp(dlg, L"second.wav");
+        EXPECT_TRUE(isClosed(first)) << "the first file is still open";
+        EXPECT_EQ(controlText(dlg, IDC_EDIT_STREAM_FILE_NAME), L"second.wav");
         pressButton(dlg, IDC_BTN_STREAM_RECORD);
-        becomes(dlg, kRecording);
-        states.push_back(buttonStates(dlg));
+        EXPECT_TRUE(becomes(dlg, kButtons, kRecording));
         shoot(dlg, L"CDlgSoundStreamRecord");
         Sleep(1300);
         pressButton(dlg, IDC_BTN_STREAM_RECORD_STOP);
-        becomes(dlg, kStopped);
-        states.push_back(buttonStates(dlg));
-        pressButton(dlg, IDOK);
-    }, [&] { return facade.recordStreamty(true); });
-
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(shown, (std::vector<std::wstring>{L"2", L"44100", L"16", L"first.wav"}));
-    EXPECT_EQ(states, (std::vector<std::vector<bool>>{kFresh, kRecording, kStopped}));
-    EXPECT_EQ(CSndDataRecordPlaytyx::m_pRecordStream->m_wfxStream.nBlockAlign, 4);
-    const long data = finishedDataBytes(file);
-    EXPECT_GT(data, kBytesPerSecond) << "the tail after the last position is missing";
-    EXPECT_LE(data, 3 * kBytesPerSecond);
-}
-
-TEST_F(StreamRecordDialog, ASecondSetupStreamClosesTheFirstFileAndCancelGivesZero)
-{
-    bool firstClosed = false, secondClosed = true;
-    const int result = runDialog(kCaption, [&](HWND dlg) {
-        const std::wstring first = setUp(dlg, L"first.wav");
-        const std::wstring second = setUp(dlg, L"second.wav");
-        firstClosed = isClosed(first);
-        secondClosed = isClosed(second);
-        pressButton(dlg, IDCANCEL);
-    }, [&] { return facade.recordStreamty(true); });
-
-    EXPECT_EQ(result, 0);
-    EXPECT_TRUE(firstClosed);
-    EXPECT_FALSE(secondClosed) << "the second file is not open for writing";
-}
-
-// Another facade's call replaces the recorder mid-recording; the file it leaves is whole.
-TEST_F(StreamRecordDialog, AModelessRecorderReplacedWhileRecordingLeavesAValidFile)
-{
-    EXPECT_EQ(facade.recordStreamty(false), 1);
-    HWND first = nullptr;
-    std::wstring file;
-    pumpMessagesWhile([&] {
-        first = waitForWindow(kCaption);
-        file = setUp(first, L"first.wav");
-        pressButton(first, IDC_BTN_STREAM_RECORD);
-        EXPECT_TRUE(becomes(first, kRecording));
+        EXPECT_TRUE(becomes(dlg, kButtons, kStopped));
+        replaced = setUp(dlg, L"third.wav");
+        pressButton(dlg, IDC_BTN_STREAM_RECORD);
+        EXPECT_TRUE(becomes(dlg, kButtons, kRecording));
         Sleep(800);
     });
+    const long data = finishedDataBytes(recorded);
+    EXPECT_GT(data, kBytesPerSecond) << "the tail after the last position is missing";
+    EXPECT_LE(data, 3 * kBytesPerSecond);
 
     EXPECT_EQ(CSndDataRecordPlaytyx().recordStreamty(false), 1);
-    EXPECT_FALSE(IsWindow(first));
-    EXPECT_EQ(buttonStates(CSndDataRecordPlaytyx::m_pRecordStream->GetSafeHwnd()), kFresh);
-    EXPECT_GT(finishedDataBytes(file), 0);
+    EXPECT_FALSE(IsWindow(dlg));
+    EXPECT_EQ(enabled(CSndDataRecordPlaytyx::m_pRecordStream->GetSafeHwnd(), kButtons), kFresh);
+    EXPECT_GT(finishedDataBytes(replaced), 0);
 }

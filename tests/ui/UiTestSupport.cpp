@@ -80,16 +80,9 @@ void DialogTest::pumpMessagesWhile(const std::function<void()>& work)
         work();
         done = true;
     });
-    while (!done)
-    {
-        MSG msg;
+    for (MSG msg; !done; MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT))
         while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-        {
-            TranslateMessage(&msg);
             DispatchMessageW(&msg);
-        }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-    }
     worker.join();
 }
 
@@ -98,8 +91,6 @@ bool DialogTest::answerFileDialog(const std::wstring& caption, const std::wstrin
     HWND dialog = waitForWindow(caption);
     if (!dialog)
         return false;
-    if (file.empty())
-        return pressButton(dialog, IDCANCEL) && waitUntilGone(dialog);
     const int nameControl = GetDlgItem(dialog, cmb13) ? cmb13 : edt1;
     return setText(dialog, nameControl, file) && pressButton(dialog, IDOK) && waitUntilGone(dialog);
 }
@@ -130,10 +121,11 @@ std::string DialogTest::enabled(HWND dialog, std::initializer_list<int> ids)
     return states;
 }
 
-void DialogTest::chooseRadio(HWND dialog, int first, int last, int id)
+bool DialogTest::becomes(HWND dialog, std::initializer_list<int> ids, const std::string& states, DWORD timeoutMs)
 {
-    for (int other = first; other <= last; ++other)
-        setCheck(dialog, other, other == id);
+    for (DWORD waited = 0; enabled(dialog, ids) != states && waited < timeoutMs; waited += 20)
+        Sleep(20);
+    return enabled(dialog, ids) == states;
 }
 
 std::vector<int> DialogTest::checkedRadios(HWND dialog, int first, int last)

@@ -44,8 +44,7 @@ public:
     // Handles this thread's messages, where modeless dialogs live, while `work` runs on
     // another thread.
     static void pumpMessagesWhile(const std::function<void()>& work);
-    // Answers the system's file dialog with this caption: enters `file` and confirms, or
-    // cancels it when `file` is empty.
+    // Answers the system's file dialog with this caption: enters `file` and confirms.
     static bool answerFileDialog(const std::wstring& caption, const std::wstring& file);
     // Lets the dialog paint, then saves its picture under the dialog's class name, once a run.
     static void shoot(HWND dialog, const std::wstring& name);
@@ -53,8 +52,8 @@ public:
     static std::vector<std::wstring> texts(HWND dialog, std::initializer_list<int> ids);
     // Whether each of the controls `ids` is enabled, as "1010".
     static std::string enabled(HWND dialog, std::initializer_list<int> ids);
-    // Checks `id` and clears the other radio buttons from `first` to `last`, as a click would.
-    static void chooseRadio(HWND dialog, int first, int last, int id);
+    // Waits until enabled(dialog, ids) gives `states`; false when it does not in time.
+    static bool becomes(HWND dialog, std::initializer_list<int> ids, const std::string& states, DWORD timeoutMs = 3000);
     // Ids of the checked buttons from `first` to `last`.
     static std::vector<int> checkedRadios(HWND dialog, int first, int last);
     // Tag, channels, rate, bits, block align and byte rate of a format, to compare formats whole.

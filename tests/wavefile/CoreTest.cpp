@@ -28,12 +28,6 @@ WaveFileResult parse(const Bytes& file, WaveLayout& layout)
     return parseWave(source, layout);
 }
 
-Bytes with16(Bytes b, size_t at, uint16_t v)
-{
-    putLe16(b, at, v);
-    return b;
-}
-
 // LIST (odd, padded) before fmt, fact between fmt and data, odd 8-bit data, LIST after.
 const Bytes kData = {0x80, 0x90, 0xA0, 0xB0, 0xC0, 0xD0, 0xE0};
 const Bytes kFile = riff({chunk("LIST", {'I', 'N', 'F', 'O', 'x'}), chunk("fmt ", fmtBody(1, 11025, 8)),
@@ -50,26 +44,20 @@ void expectInsideFile(const WaveLayout& layout, size_t fileSize)
 TEST(WaveFormatRules, AcceptIntegerPcmOnlyAndConsistentOnly)
 {
     const Bytes pcm16 = fmtBody(2, 22050, 16), ext24 = fmtBody(2, 44100, 24, true);
-    const struct
-    {
-        const char* what;
-        Bytes body;
-        uint32_t size;
-        WaveFileResult expected;
-    } cases[] = {
+    const struct { const char* what; Bytes body; uint32_t size; WaveFileResult expected; } cases[] = {
         {"16-bit stereo", pcm16, 16, WAVEFILE_OK},
         {"fmt of 18 bytes with cbSize 0", pcm16, 18, WAVEFILE_OK},
         {"12 bits in two bytes", fmtBody(1, 8000, 12), 16, WAVEFILE_OK},
         {"extensible 24-bit PCM", ext24, 40, WAVEFILE_OK},
         {"extensible float", fmtBody(2, 44100, 32, true, 3), 40, WAVEFILE_ERR_UNSUPPORTED},
-        {"IEEE float tag", with16(pcm16, 0, 3), 16, WAVEFILE_ERR_UNSUPPORTED},
+        {"IEEE float tag", poke(pcm16, 0, 3, 2), 16, WAVEFILE_ERR_UNSUPPORTED},
         {"64-bit samples", fmtBody(1, 8000, 64), 16, WAVEFILE_ERR_UNSUPPORTED},
         {"fmt shorter than 16", pcm16, 14, WAVEFILE_ERR_BAD_FORMAT},
         {"extensible without its extension", ext24, 18, WAVEFILE_ERR_BAD_FORMAT},
-        {"extension size below 22", with16(ext24, 16, 0), 40, WAVEFILE_ERR_BAD_FORMAT},
-        {"valid bits above the container", with16(ext24, 18, 32), 40, WAVEFILE_ERR_BAD_FORMAT},
-        {"block align disagrees", with16(pcm16, 12, 3), 16, WAVEFILE_ERR_BAD_FORMAT},
-        {"no channels", with16(pcm16, 2, 0), 16, WAVEFILE_ERR_BAD_FORMAT},
+        {"extension size below 22", poke(ext24, 16, 0, 2), 40, WAVEFILE_ERR_BAD_FORMAT},
+        {"valid bits above the container", poke(ext24, 18, 32, 2), 40, WAVEFILE_ERR_BAD_FORMAT},
+        {"block align disagrees", poke(pcm16, 12, 3, 2), 16, WAVEFILE_ERR_BAD_FORMAT},
+        {"no channels", poke(pcm16, 2, 0, 2), 16, WAVEFILE_ERR_BAD_FORMAT},
         {"byte rate past 32 bits", fmtBody(2, 0xFFFFFFF0u, 16), 16, WAVEFILE_ERR_BAD_FORMAT},
     };
     for (const auto& c : cases)
@@ -87,9 +75,9 @@ TEST(WaveFormatRules, RiffLimitIsTight)
     for (uint32_t n : {kMaxDataBytes - 1, kMaxDataBytes})
     {
         EXPECT_TRUE(fitsInRiff(n));
-        const auto h = buildPcmHeader(format, n);
         // The RIFF size plus its 8-byte chunk header is the whole file, with the pad byte.
-        EXPECT_EQ(getLe32(Bytes(h.begin(), h.end()), 4) + 8ull, 44ull + n + (n & 1)) << n;
+        const auto header = buildPcmHeader(format, n);
+        EXPECT_EQ(getLe32(Bytes(header.begin(), header.end()), 4) + 8ull, 44ull + n + (n & 1)) << n;
     }
     EXPECT_FALSE(fitsInRiff(uint64_t(kMaxDataBytes) + 1));
 }

@@ -1,11 +1,13 @@
 #pragma once
 // Files of the Windows tests: the inputs other programs made in the build tree (reached
-// through Wine's Z: drive), and whole-file reads and writes.
-#include <cstdio>
-#include <string>
-#include <windows.h>
+// through Wine's Z: drive), whole-file reads and writes, and a file read back through the
+// stream reader as the stream player reads it.
+#include <fstream>
+#include <iterator>
+#include "SndDataReadtyStream.h"
 #include "TestRiff.h"
 #include "WaveFileTestData.h"
+#include <gtest/gtest.h>
 
 inline std::wstring dataPath(const std::wstring& name)
 {
@@ -14,26 +16,40 @@ inline std::wstring dataPath(const std::wstring& name)
 
 inline Bytes readFile(const std::wstring& path)
 {
-    Bytes bytes;
-    if (FILE* f = _wfopen(path.c_str(), L"rb"))
-    {
-        for (int c; (c = std::fgetc(f)) != EOF;)
-            bytes.push_back(static_cast<uint8_t>(c));
-        std::fclose(f);
-    }
-    return bytes;
+    std::ifstream file(path.c_str(), std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
 inline void writeFile(const std::wstring& path, const Bytes& bytes)
 {
-    if (FILE* f = _wfopen(path.c_str(), L"wb"))
-    {
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
-    }
+    std::ofstream(path.c_str(), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
-inline bool fileExists(const std::wstring& path)
+// What opening `path` answers; size and format start out as junk, so that a reader which
+// leaves them unset shows.
+struct Opened
 {
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    int result = -1;
+    unsigned long size = 12345;
+    tWAVEFORMATEX wfx;
+};
+
+inline Opened openWith(CSndDataReadtyStream& reader, const std::wstring& path)
+{
+    Opened o;
+    std::memset(&o.wfx, 0xCD, sizeof o.wfx);
+    o.result = reader.initStream2Read(path.c_str(), &o.size, &o.wfx);
+    return o;
+}
+
+// All the reader gives in pieces of `piece` bytes, up to the first short piece.
+inline Bytes readAll(CSndDataReadtyStream& reader, unsigned int piece = 999)
+{
+    Bytes all, buffer(piece);
+    for (unsigned int got = piece; got == piece;)
+    {
+        EXPECT_EQ(1, reader.readNewData(buffer.data(), got));
+        all.insert(all.end(), buffer.begin(), buffer.begin() + got);
+    }
+    return all;
 }

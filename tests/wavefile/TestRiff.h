@@ -6,21 +6,22 @@
 
 using Bytes = std::vector<uint8_t>;
 
-inline void putLe16(Bytes& b, size_t at, uint16_t v)
-{
-    b[at] = static_cast<uint8_t>(v);
-    b[at + 1] = static_cast<uint8_t>(v >> 8);
-}
+// The tests run on little-endian machines only, as the library does.
+inline void putLe16(Bytes& b, size_t at, uint16_t v) { std::memcpy(&b[at], &v, 2); }
+inline void putLe32(Bytes& b, size_t at, uint32_t v) { std::memcpy(&b[at], &v, 4); }
 
-inline void putLe32(Bytes& b, size_t at, uint32_t v)
+// A copy of `b` with the low `width` bytes of `v` at `at`.
+inline Bytes poke(Bytes b, size_t at, uint32_t v, size_t width = 4)
 {
-    putLe16(b, at, static_cast<uint16_t>(v));
-    putLe16(b, at + 2, static_cast<uint16_t>(v >> 16));
+    std::memcpy(&b[at], &v, width);
+    return b;
 }
 
 inline uint32_t getLe32(const Bytes& b, size_t at)
 {
-    return b[at] | (b[at + 1] << 8) | (b[at + 2] << 16) | (uint32_t(b[at + 3]) << 24);
+    uint32_t v;
+    std::memcpy(&v, &b[at], 4);
+    return v;
 }
 
 // A chunk with its id, size and body, and the pad byte an odd body needs.

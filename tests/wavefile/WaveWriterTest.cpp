@@ -1,19 +1,14 @@
 // The stream writer as the capture-to-file path uses it (Open, Write piece by piece, Close
 // with the byte count, or deletion without Close), checked on the file's own bytes and
 // read back with the reader. writer_s16.wav and writer_u8_odd.wav stay for sox to read.
-#include "SndDataReadtyStream.h"
 #include "SndWaveWriteStreamty.h"
 #include "TestFiles.h"
-#include <gtest/gtest.h>
 #include <memory>
 
 namespace
 {
-tWAVEFORMATEX pcm(WORD channels, DWORD rate, WORD bits)
-{
-    const WORD align = static_cast<WORD>(channels * bits / 8);
-    return {WAVE_FORMAT_PCM, channels, rate, 0, align, bits, 0}; // no byte rate given
-}
+// PCM formats with no byte rate given: the writer derives it.
+const tWAVEFORMATEX kS16Stereo = {WAVE_FORMAT_PCM, 2, 22050, 0, 4, 16, 0}, kU8Mono = {WAVE_FORMAT_PCM, 1, 11025, 0, 1, 8, 0};
 
 Bytes ramp(size_t n)
 {
@@ -21,11 +16,6 @@ Bytes ramp(size_t n)
     for (size_t i = 0; i < n; ++i)
         b[i] = static_cast<uint8_t>(i * 7 + i / 251);
     return b;
-}
-
-int write(CSndWaveWriteStreamty& writer, Bytes bytes)
-{
-    return writer.Write(static_cast<unsigned int>(bytes.size()), bytes.data(), nullptr);
 }
 
 // What readers rely on: RIFF size = file size - 8, fmt of 16, data size, one pad byte if odd.
@@ -39,105 +29,91 @@ void expectHeaderSizes(const std::wstring& path, uint32_t data)
     EXPECT_EQ(data, getLe32(file, 40));
     EXPECT_EQ(file.size() - 8, getLe32(file, 4));
     EXPECT_EQ(44u + data + data % 2, file.size());
-}
-
-Bytes readBack(const std::wstring& path, tWAVEFORMATEX& wfx)
-{
-    CSndDataReadtyStream reader;
-    unsigned long size = 0;
-    EXPECT_EQ(1, reader.initStream2Read(path.c_str(), &size, &wfx));
-    Bytes data(size + 1);
-    reader.readNewData(data.data(), size = size + 1);
-    data.resize(size);
-    return data;
+    EXPECT_TRUE(data % 2 == 0 || file.back() == 0) << "pad byte";
 }
 } // namespace
 
-TEST(WaveWriter, RoundTripInUnevenPieces)
+// Written in uneven pieces and closed, or deleted without Close (the odd size padded): the
+// reader gets back the samples and the format, its byte rate derived from rate and block align.
+TEST(WaveWriter, WrittenInPiecesThenClosedOrDeletedReadsBackWhole)
 {
-    const std::wstring path = dataPath(L"writer_s16.wav");
-    const Bytes samples = ramp(2205 * 4);
-    tWAVEFORMATEX wfx = pcm(2, 22050, 16), back;
-    CSndWaveWriteStreamty writer;
-    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
-    for (size_t at = 0, piece = 1001; at < samples.size(); at += piece)
+    const struct { const wchar_t* name; tWAVEFORMATEX wfx; size_t bytes, piece; bool closed; } files[] = {
+        {L"writer_s16.wav", kS16Stereo, 2205 * 4, 1001, true},
+        {L"writer_u8_odd.wav", kU8Mono, 3, 3, false},
+    };
+    for (const auto& f : files)
     {
-        Bytes part(samples.begin() + at, samples.begin() + std::min(samples.size(), at + piece));
-        unsigned int written = 0;
-        EXPECT_EQ(1, writer.Write(static_cast<unsigned int>(part.size()), part.data(), &written));
-        EXPECT_EQ(part.size(), written);
+        const std::wstring path = dataPath(f.name);
+        tWAVEFORMATEX wfx = f.wfx;
+        Bytes samples = ramp(f.bytes);
+        auto writer = std::make_unique<CSndWaveWriteStreamty>();
+        ASSERT_EQ(1, writer->Open(path.c_str(), &wfx));
+        for (size_t at = 0; at < samples.size(); at += f.piece)
+        {
+            const auto piece = static_cast<unsigned int>(std::min(f.piece, samples.size() - at));
+            unsigned int written = 0;
+            EXPECT_EQ(1, writer->Write(piece, &samples[at], &written));
+            EXPECT_EQ(piece, written);
+        }
+        if (f.closed)
+            EXPECT_EQ(1, writer->Close(writer->GetDataBytesWritten()));
+        writer.reset();
+        expectHeaderSizes(path, static_cast<uint32_t>(f.bytes));
+        CSndDataReadtyStream reader;
+        const Opened o = openWith(reader, path);
+        wfx.nAvgBytesPerSec = wfx.nSamplesPerSec * wfx.nBlockAlign;
+        EXPECT_EQ(0, std::memcmp(&wfx, &o.wfx, sizeof wfx));
+        EXPECT_EQ(samples, readAll(reader));
     }
-    EXPECT_EQ(1, writer.Close(writer.GetDataBytesWritten()));
-    expectHeaderSizes(path, 2205 * 4);
-    EXPECT_EQ(samples, readBack(path, back));
-    wfx.nAvgBytesPerSec = 88200; // derived from rate and block align
-    EXPECT_EQ(0, std::memcmp(&wfx, &back, sizeof wfx));
-}
-
-TEST(WaveWriter, DeletedWithoutCloseLeavesAPaddedValidFile)
-{
-    const std::wstring path = dataPath(L"writer_u8_odd.wav");
-    tWAVEFORMATEX wfx = pcm(1, 11025, 8), back;
-    auto writer = std::make_unique<CSndWaveWriteStreamty>();
-    ASSERT_EQ(1, writer->Open(path.c_str(), &wfx));
-    ASSERT_EQ(1, write(*writer, {0x10, 0x80, 0xF0}));
-    writer.reset();
-    expectHeaderSizes(path, 3);
-    EXPECT_EQ(0, readFile(path).back()) << "pad byte";
-    EXPECT_EQ(Bytes({0x10, 0x80, 0xF0}), readBack(path, back));
 }
 
 // Close cuts to the size given but never claims more; opening another file finishes the first.
 TEST(WaveWriter, CloseCutsToTheSizeGivenAndOpeningAgainFinishesTheFile)
 {
     const std::wstring path = dataPath(L"writer_close.wav");
-    tWAVEFORMATEX wfx = pcm(1, 8000, 8);
+    tWAVEFORMATEX wfx = kU8Mono;
     CSndWaveWriteStreamty writer;
-    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
-    ASSERT_EQ(1, write(writer, ramp(10)));
-    EXPECT_EQ(1, writer.Close(7));
-    expectHeaderSizes(path, 7);
-    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
-    ASSERT_EQ(1, write(writer, ramp(10)));
-    EXPECT_EQ(0, writer.Close(11));
-    EXPECT_EQ(WAVEFILE_ERR_SIZE_MISMATCH, writer.GetResult());
-    expectHeaderSizes(path, 10);
-    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
-    ASSERT_EQ(1, write(writer, ramp(6)));
-    ASSERT_EQ(1, writer.Open(dataPath(L"writer_second.wav").c_str(), &wfx));
-    expectHeaderSizes(path, 6);
+    // Finished by: Close with this size, or by opening another file when -1.
+    const struct { size_t written; int finishedBy, result; uint32_t header; } files[] = {
+        {10, 7, 1, 7}, {10, 11, 0, 10}, {6, -1, 1, 6}};
+    for (const auto& f : files)
+    {
+        ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
+        ASSERT_EQ(1, writer.Write(static_cast<unsigned int>(f.written), ramp(f.written).data(), nullptr));
+        EXPECT_EQ(f.result, f.finishedBy >= 0 ? writer.Close(f.finishedBy)
+                                              : writer.Open(dataPath(L"writer_second.wav").c_str(), &wfx));
+        EXPECT_TRUE(f.result || writer.GetResult() == WAVEFILE_ERR_SIZE_MISMATCH) << writer.GetResult();
+        expectHeaderSizes(path, f.header);
+    }
 }
 
-TEST(WaveWriter, DataPastTheRiffLimitIsRefusedWhole)
-{
-    const std::wstring path = dataPath(L"writer_limit.wav");
-    tWAVEFORMATEX wfx = pcm(2, 44100, 16);
-    CSndWaveWriteStreamty writer;
-    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
-    unsigned char byte = 0;
-    unsigned int written = 99;
-    // Refused on the size alone: the one real byte behind the pointer is never reached.
-    EXPECT_EQ(0, writer.Write(0xFFFFFFF0u, &byte, &written));
-    EXPECT_EQ(WAVEFILE_ERR_TOO_LARGE, writer.GetResult());
-    EXPECT_EQ(0u, written);
-    EXPECT_EQ(1, write(writer, ramp(4))) << "data that fits is still taken";
-    EXPECT_EQ(1, writer.Close());
-    expectHeaderSizes(path, 4);
-}
-
-TEST(WaveWriter, RefusesWhatItCannotWriteAndCreatesNoFile)
+// Formats it cannot write are refused before a file is made; data that would take the file
+// past the RIFF limit is refused whole, on its size alone (the one real byte behind the
+// pointer is never reached), and what fits is still taken.
+TEST(WaveWriter, RefusesFormatsBeforeMakingAFileAndDataPastTheRiffLimitWhole)
 {
     const std::wstring path = dataPath(L"writer_refused.wav");
     DeleteFileW(path.c_str());
-    tWAVEFORMATEX floats = pcm(1, 8000, 32), twelveBits = pcm(1, 8000, 12), badAlign = pcm(2, 8000, 16);
-    floats.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
-    twelveBits.nBlockAlign = badAlign.nBlockAlign = 2;
+    // Floats, 12 bits (which the reader takes, in two bytes), a block align that disagrees.
+    tWAVEFORMATEX refused[] = {{WAVE_FORMAT_IEEE_FLOAT, 1, 8000, 0, 4, 32, 0}, {WAVE_FORMAT_PCM, 1, 8000, 0, 2, 12, 0},
+                               {WAVE_FORMAT_PCM, 2, 8000, 0, 2, 16, 0}}, wfx = kS16Stereo;
     CSndWaveWriteStreamty writer;
-    for (tWAVEFORMATEX* wfx : {&floats, &twelveBits, &badAlign, static_cast<tWAVEFORMATEX*>(nullptr)})
-        EXPECT_EQ(0, writer.Open(path.c_str(), wfx));
-    EXPECT_EQ(0, writer.Open(L"", &floats));
-    EXPECT_FALSE(fileExists(path));
+    for (tWAVEFORMATEX& format : refused)
+        EXPECT_EQ(0, writer.Open(path.c_str(), &format)) << format.wFormatTag << " " << format.wBitsPerSample;
+    EXPECT_EQ(0, writer.Open(path.c_str(), nullptr));
+    EXPECT_EQ(0, writer.Open(L"", &wfx));
+    EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesW(path.c_str())) << "a file was made";
     EXPECT_EQ(0, writer.Write(1, &ramp(1)[0], nullptr));
     EXPECT_EQ(0, writer.Close(0));
     EXPECT_EQ(WAVEFILE_ERR_NOT_OPEN, writer.GetResult());
+
+    ASSERT_EQ(1, writer.Open(path.c_str(), &wfx));
+    unsigned char byte = 0;
+    unsigned int written = 99;
+    EXPECT_EQ(0, writer.Write(0xFFFFFFF0u, &byte, &written));
+    EXPECT_EQ(WAVEFILE_ERR_TOO_LARGE, writer.GetResult());
+    EXPECT_EQ(0u, written);
+    EXPECT_EQ(1, writer.Write(4, ramp(4).data(), nullptr)) << "data that fits is still taken";
+    EXPECT_EQ(1, writer.Close());
+    expectHeaderSizes(path, 4);
 }
