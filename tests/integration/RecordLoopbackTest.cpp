@@ -128,6 +128,8 @@ std::string recordMarkedSignal()
     long slipped = 0;
     for (size_t i = first + 2; i < pcm.size(); i += 2)
     {
+        if (pcm[i] == 0 && pcm[i + 1] == 0)
+            continue; // the player stalled; its signal must go on where it stopped
         const long position = positionOf(&pcm[i]);
         const long step = (position - last - 1 + kMarkSpan) % kMarkSpan;
         if (std::min(step, kMarkSpan - step) >= static_cast<long>(kRate / 10))
