@@ -1,4 +1,4 @@
-#include "BufferTestSupport.h"
+#include "UnitFixtures.h"
 
 namespace
 {

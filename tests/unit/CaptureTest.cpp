@@ -1,4 +1,11 @@
-#include "BufferTestSupport.h"
+// The capture chain through the tap: the default format, the set-ups and their refusals, the
+// position tables, a Start that did nothing; circular recording into a caller's block; and
+// capture streamed to a wave file or into a caller's ring, with capture memory the test writes.
+
+#include "UnitFixtures.h"
+#include "SndWaveWriteStreamty.h"
+
+#include <climits>
 
 namespace
 {
@@ -9,13 +16,25 @@ public:
     using CDSndCapturety2BuffNotify::m_posNotify;
 };
 
+class TestCaptureStream : public CDSndCapturetyStream
+{
+public:
+    using CDSndCapturetyStream::streamData2File;
+    using CDSndCapturetyStream::m_ulStreamOffset;
+    using CDSndCapturetyStream::m_hStreamEvent;
+};
+
+BYTE recorded(size_t i)
+{
+    return static_cast<BYTE>(i * 13 + i / 251 + 3);
+}
+
 // Every set-up is made on a fresh object: a second set-up on one object lets the capture
-// device go before the buffer made of it, which Wine does not survive.
+// device go before the buffer made of it, which Wine does not survive. Capture objects carry
+// a large notification table, so they live on the heap.
 class CaptureTest : public DeviceTest
 {
 protected:
-    // Capture objects carry a large notification table, so they live on the heap.
-    std::unique_ptr<TestCapture> makeCapture() { return std::make_unique<TestCapture>(); }
     void offer(DWORD formats, DWORD channels)
     {
         tap.answerWith("IDirectSoundCapture::GetCaps", 0, DSCCAPS{sizeof(DSCCAPS), 0, formats, channels});
@@ -24,13 +43,19 @@ protected:
     int setUp(TestCapture& capture, bool givenFormat, bool inSeconds, unsigned long amount)
     {
         if (givenFormat)
-            return inSeconds ? capture.initRecordTimeWfxNonCircle(cd, amount)
-                             : capture.initDataSizeWfxNonCircle(cd, amount);
-        return inSeconds ? capture.initRecordTimeDefaultWFXNonCircle(amount)
-                         : capture.initDataSizeDefaultWFXNonCircle(amount);
+            return inSeconds ? capture.initRecordTimeWfxNonCircle(cd, amount) : capture.initDataSizeWfxNonCircle(cd, amount);
+        return inSeconds ? capture.initRecordTimeDefaultWFXNonCircle(amount) : capture.initDataSizeDefaultWFXNonCircle(amount);
+    }
+    std::vector<DWORD> lockOffsets() const
+    {
+        std::vector<DWORD> offsets;
+        for (const auto& call : tap.callsTo("IDirectSoundCaptureBuffer::Lock"))
+            offsets.push_back(static_cast<DWORD>(call.args[0]));
+        return offsets;
     }
 
     const tWAVEFORMATEX cd = pcmFormat(2, 44100, 16);
+    TempFile file;
 };
 
 TEST_F(CaptureTest, DefaultFormatIsTheBestTheDeviceOffersAndRecordingNeedsTheBest)
@@ -42,12 +67,12 @@ TEST_F(CaptureTest, DefaultFormatIsTheBestTheDeviceOffersAndRecordingNeedsTheBes
         {WAVE_FORMAT_1M08, 2, pcmFormat(1, 11025, 8)},
         {WAVE_FORMAT_4S16, 1, pcmFormat(1, 44100, 16)}, // sixteen-bit rows keep the device's channels
     };
-    auto holder = makeCapture();
+    auto holder = std::make_unique<TestCapture>();
     for (const auto& row : rows)
     {
         offer(row.formats, row.channels);
         tWAVEFORMATEX wfx = {};
-        ASSERT_EQ(1, makeCapture()->getDefaultWFX(&wfx));
+        ASSERT_EQ(1, std::make_unique<TestCapture>()->getDefaultWFX(&wfx));
         EXPECT_TRUE(sameFormat(row.expected, wfx)) << std::hex << row.formats;
     }
     EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt); // any instance going away takes the shared device
@@ -68,9 +93,7 @@ TEST_F(CaptureTest, SetUpsSizeTheBufferInWholeBlocksOrSayWhatFailed)
         {false, false, 4001, nullptr, 4001, {}}, // in the default format the size is taken as given
         {false, true, 2, nullptr, 352800, {}},
         {true, false, 3, nullptr, 0, {L"Error in pass buffer size"}},
-        {false, false, 0, nullptr, 0, {L"Error in pass buffer size"}},
         {false, true, 0, nullptr, 0, {L"Error in passing record time"}},
-        {true, true, 0, nullptr, 0, {L"Error in passing record time"}},
         {false, false, 4000, "IDirectSoundCapture::CreateCaptureBuffer", 0, {L"Make capture buffer error"}},
         {true, false, 4000, "IDirectSoundCapture::CreateCaptureBuffer", 0, {L"make DSnd catpure error"}},
         {false, false, 4000, "IDirectSoundCaptureBuffer::QueryInterface", 0, {L"Make capture buffer error"}},
@@ -80,7 +103,7 @@ TEST_F(CaptureTest, SetUpsSizeTheBufferInWholeBlocksOrSayWhatFailed)
     for (const auto& row : rows)
     {
         messages.clear();
-        auto capture = makeCapture();
+        auto capture = std::make_unique<TestCapture>();
         const size_t made = tap.captureBufferRequests().size();
         if (row.failing)
             tap.failNext(row.failing, DSERR_GENERIC);
@@ -98,13 +121,12 @@ TEST_F(CaptureTest, SetUpsSizeTheBufferInWholeBlocksOrSayWhatFailed)
 
 TEST_F(CaptureTest, PositionTableLeavesOutTheLastPositionAndAFullBufferSignalsStop)
 {
-    auto capture = makeCapture();
+    auto capture = std::make_unique<TestCapture>();
     ASSERT_EQ(1, capture->initDataSizeWfxNonCircle(cd, 8000));
     EXPECT_EQ(0, capture->initDSBNoteEvt(600, 0, cd)); // no spacing: nothing registered
     ASSERT_EQ(1, capture->initDSBNoteEvt(599, 100, cd));
     EXPECT_TRUE(tap.notificationSets().back().positions.empty());
     ASSERT_EQ(1, capture->initDSBNoteEvt(10 * 6 * 100, 100, cd));
-    EXPECT_EQ(6000u, capture->m_posNotify[10].dwOffset);
     const auto positions = tap.notificationSets().back().positions;
     ASSERT_EQ(10u, positions.size());
     EXPECT_EQ(DSBPN_OFFSETSTOP, positions[0].dwOffset);
@@ -116,12 +138,167 @@ TEST_F(CaptureTest, PositionTableLeavesOutTheLastPositionAndAFullBufferSignalsSt
     tap.failNext("IDirectSoundCaptureBuffer::Start", S_FALSE); // a Start that did nothing is no recording
     EXPECT_EQ(0, capture->recordStart());
     ASSERT_EQ(1, capture->recordStart()); // 8000 bytes are 45 ms of sound: capture ends by itself
-    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(capture->m_posNotify[0].hEventNotify, 5000));
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(capture->m_posNotify[0].hEventNotify, kWait));
     EXPECT_EQ(1, capture->isStopNotified());
     ASSERT_EQ(1, capture->recordStop());
     capture.reset();
     EXPECT_EQ(0, tap.openNotificationHandles());
     EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
     EXPECT_TRUE(messages.texts().empty());
+}
+
+// --- circular recording ---
+
+// Refusals come before anything is made; whole steps of six capture buffers are registered.
+TEST_F(CaptureTest, CircularSetUpRefusesBeforeMakingAnythingAndRegistersWholeSteps)
+{
+    const unsigned long kStep = 1587600; // six capture buffers of 264,600 bytes
+    tWAVEFORMATEX adpcm = cd;
+    adpcm.wFormatTag = 2;
+    const struct { tWAVEFORMATEX wfx; unsigned long bytes, blockBytes; const wchar_t* shown; size_t registered; } rows[] = {
+        {adpcm, 4000, 4000, L"Record wave format not supported", 0},
+        {cd, 0, 4000, L"Error in pass buffer size", 0},
+        {cd, 4001, 3999, L"Passed data buffer error", 0},
+        {cd, kStep - 4, kStep, nullptr, 0}, // below one step: not even the stop entry
+        {cd, 3 * kStep + 3, 3 * kStep, nullptr, 3}, // the odd size is rounded down to fit the block
+    };
+    for (const auto& row : rows)
+    {
+        messages.clear();
+        const size_t made = tap.captureBufferRequests().size(), sets = tap.notificationSets().size();
+        std::vector<char> block(row.blockBytes);
+        auto capture = std::make_unique<TestCapture>();
+        EXPECT_EQ(row.shown ? 0 : 1, capture->initDataSizeWfxCirclePro(row.wfx, row.bytes, block.data())) << row.bytes;
+        EXPECT_EQ(row.shown ? Texts{row.shown} : Texts{}, messages.texts()) << row.bytes;
+        EXPECT_EQ(made + (row.shown ? 0 : 1), tap.captureBufferRequests().size()) << row.bytes;
+        if (row.shown)
+            continue;
+        EXPECT_EQ(264600u, tap.captureBufferRequests().back().desc.dwBufferBytes);
+        ASSERT_EQ(sets + 1, tap.notificationSets().size());
+        EXPECT_EQ(row.registered, tap.notificationSets().back().positions.size()) << row.bytes;
+    }
+}
+
+TEST_F(CaptureTest, CircularCopyWaitsForTheStopAndNeverReadsPastTheCaptureBuffer)
+{
+    std::vector<char> block(2 * 1587600);
+    auto capture = std::make_unique<TestCapture>();
+    ASSERT_EQ(1, capture->initDataSizeWfxCirclePro(cd, static_cast<unsigned long>(block.size()), block.data()));
+    auto ring = scriptCapture(tap, 400000, recorded); // the read cursor may run past the buffer
+    ASSERT_EQ(1, capture->recordStart());
+    ring->advance(300000);
+    EXPECT_EQ(0u, capture->getNewRecordDataSize()); // no stop signalled yet: nothing copied
+    SetEvent(capture->m_posNotify[0].hEventNotify);
+    EXPECT_EQ(264600u, capture->getNewRecordDataSize());
+    EXPECT_EQ(0, memcmp(block.data(), ring->memory.data(), 264600));
+    EXPECT_EQ(0u, capture->getNewRecordDataSize()); // every position counted: no second copy
+    EXPECT_EQ(0, ring->openLocks);
+    capture->recordStop();
+}
+
+// --- streamed capture ---
+
+// 16 bytes of ring after 16,000 bytes of capture buffer. Ring byte k ends as recording byte
+// from[k] (counted from where the read starts), or keeps the fill where from[k] is -1; the
+// byte past the ring is never written.
+TEST_F(CaptureTest, RingCopyWrapsAtTheRingAndNeverWritesOutsideIt)
+{
+    const int _ = -1;
+    const struct { int position; size_t ahead, captured; int expectedPosition; std::vector<int> from; } rows[] = {
+        {12, 0, 10, 6, {4, 5, 6, 7, 8, 9, _, _, _, _, _, _, 0, 1, 2, 3}},
+        {12, 0, 5, 1, {4, _, _, _, _, _, _, _, _, _, _, _, 0, 1, 2, 3}}, // one past the room wraps
+        {16, 0, 10, 10, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, _, _, _, _, _, _}}, // a position outside starts at 0
+        {-3, 0, 4, 4, {0, 1, 2, 3, _, _, _, _, _, _, _, _, _, _, _, _}},
+        {2, 15990, 20, 6, {14, 15, 16, 17, 18, 19, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}}, // across the buffer's end
+        {0, 0, 20, 4, {16, 17, 18, 19, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}}, // longer than the ring: its last 16
+    };
+    for (const auto& row : rows)
+    {
+        auto stream = std::make_unique<TestCaptureStream>();
+        ASSERT_EQ(1, stream->initCapture2stream(pcmFormat(1, 8000, 8), 16000));
+        auto ring = scriptCapture(tap, 16000, recorded, true);
+        ASSERT_EQ(1, stream->startCaptureStream());
+        ring->advance(row.ahead);
+        stream->m_ulStreamOffset = static_cast<unsigned long>(row.ahead);
+        ring->advance(row.captured);
+        std::vector<char> caller(17, '\x55');
+        int position = row.position;
+        ASSERT_EQ(1, stream->getRecordNewStreamData(caller.data(), 16, position, false));
+        EXPECT_EQ(row.expectedPosition, position) << row.position;
+        for (size_t k = 0; k < 17; k++)
+        {
+            const int from = k < 16 ? row.from[k] : _;
+            EXPECT_EQ(from == _ ? '\x55' : static_cast<char>(recorded(row.ahead + from)), caller[k])
+                << row.position << " byte " << k;
+        }
+        EXPECT_EQ((row.ahead + row.captured) % 16000, stream->m_ulStreamOffset);
+        EXPECT_EQ(0, ring->openLocks);
+        stream->stopCaptureStream();
+        tap.clearScript();
+    }
+}
+
+// A failed write is offered again; a cursor read slightly behind takes nothing; a read past
+// the buffer's end comes in two regions; the stop writes the tail since the last position and
+// closes the file: every byte once, in order.
+TEST_F(CaptureTest, StreamToFileLosesAndRepeatsNothingAndStopWritesTheTail)
+{
+    auto stream = std::make_unique<TestCaptureStream>();
+    ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
+    auto ring = scriptCapture(tap, 352800, recorded, true);
+    CSndWaveWriteStreamty writer; // not open yet: every write fails
+    stream->m_pSndWaveWriteStream = &writer;
+    ASSERT_EQ(1, stream->startCaptureStream());
+    ring->advance(88200);
+    EXPECT_EQ(0, stream->streamData2File(0));
+    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
+    EXPECT_EQ(1, stream->streamData2File(0));
+    ring->written -= 400;
+    EXPECT_EQ(0, stream->streamData2File(0));
+    ring->written += 400;
+    ring->advance(300000);
+    EXPECT_EQ(1, stream->streamData2File(0));
+    ring->advance(1000); // after the last position: only the stop takes it
+    EXPECT_EQ(1, stream->stopCaptureStream());
+    EXPECT_EQ((std::vector<DWORD>{0, 0, 88200, 35400}), lockOffsets());
+    EXPECT_FALSE(writer.IsOpen());
+    EXPECT_EQ(0, ring->openLocks);
+    const Bytes content = file.bytes();
+    ASSERT_EQ(44u + 389200u, content.size());
+    for (size_t i = 0; i < 389200; i++)
+        ASSERT_EQ(recorded(i), content[44 + i]) << i;
+}
+
+// The buffer halves in whole blocks, marked at half a second, a second and the stop. The wait
+// must leave the event that woke it reset, or a worker looping on it would never sleep again;
+// after the stop it returns at once; the events go with the object.
+TEST_F(CaptureTest, EachPositionWakesOneWaitAndTheStopEndsWaiting)
+{
+    auto stream = std::make_unique<TestCaptureStream>();
+    ASSERT_EQ(1, stream->initCapture2stream(cd, 352803));
+    EXPECT_EQ(352800u, tap.captureBufferRequests().back().desc.dwBufferBytes);
+    const auto positions = tap.notificationSets().back().positions;
+    ASSERT_EQ(3u, positions.size());
+    EXPECT_EQ((std::vector<DWORD>{88199, 176399, static_cast<DWORD>(DSBPN_OFFSETSTOP)}),
+              (std::vector<DWORD>{positions[0].dwOffset, positions[1].dwOffset, positions[2].dwOffset}));
+    auto ring = scriptCapture(tap, 352800, recorded, true);
+    tap.answer("IDirectSoundCaptureBuffer::Start", [](const dstap::Call&) { return DS_OK; });
+    CSndWaveWriteStreamty writer;
+    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
+    stream->m_pSndWaveWriteStream = &writer;
+    ASSERT_EQ(1, stream->startCaptureStream());
+    for (int position = 0; position < 2; position++)
+    {
+        ring->advance(88200);
+        SetEvent(stream->m_hStreamEvent[position]);
+        EXPECT_EQ(1, stream->waitRecordStreamEvt());
+        EXPECT_EQ(static_cast<DWORD>(WAIT_TIMEOUT), WaitForSingleObject(stream->m_hStreamEvent[position], 0));
+    }
+    stream->stopCaptureStream();
+    EXPECT_EQ(0, stream->waitRecordStreamEvt());
+    EXPECT_EQ(176400u, writer.GetDataBytesWritten());
+    stream.reset();
+    EXPECT_EQ(0, tap.openNotificationHandles());
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
 }
 }

@@ -1,4 +1,4 @@
-#include "BufferTestSupport.h"
+#include "UnitFixtures.h"
 #include <algorithm>
 
 namespace
@@ -44,8 +44,7 @@ TEST_F(FacadeTest, RecordingReservesEightMillionBytesAndUpdatesAddUpToWhatStopLe
 {
     TestFacade facade;
     ASSERT_EQ(1, facade.recordBegin(NULL, 0));
-    const auto request = tap.captureBufferRequests().at(0);
-    EXPECT_EQ(8000000u, request.desc.dwBufferBytes);
+    EXPECT_EQ(8000000u, tap.captureBufferRequests().at(0).desc.dwBufferBytes);
     EXPECT_EQ(1, tap.count("IDirectSoundCaptureBuffer::Start"));
 
     auto ring = scriptCapture(tap, 3000, counting);
@@ -57,7 +56,6 @@ TEST_F(FacadeTest, RecordingReservesEightMillionBytesAndUpdatesAddUpToWhatStopLe
     }
     ring->advance(1000);
     ASSERT_EQ(1, facade.recordStop()); // takes the last bytes itself
-    EXPECT_EQ(1, facade.m_pSndDataty->hasAudioWaveData());
     ASSERT_EQ(5000u, facade.m_pSndDataty->getDataSize());
     for (size_t i = 0; i < 5000; i++)
         ASSERT_EQ(counting(i), static_cast<BYTE>(facade.m_pSndDataty->getDataPointer()[i])) << i;

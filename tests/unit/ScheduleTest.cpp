@@ -2,7 +2,7 @@
 // their frames (overlapping ones clipped, one across the buffer's end), frames counted across
 // wraps, refusals, cancelling, clean-up; and the counter-to-frame mapping on its own.
 
-#include "DeviceTestSupport.h"
+#include "UnitFixtures.h"
 #include "schedule/StreamClockty.h"
 
 #include <atomic>
@@ -21,26 +21,17 @@ public:
     using CDirectSndSchedulety::m_pDSBuffer;
 };
 
-std::vector<char> constantPcm(short value, size_t frames)
-{
-    std::vector<char> bytes(frames * 2);
-    for (size_t k = 0; k < frames; k++)
-        std::memcpy(&bytes[2 * k], &value, 2);
-    return bytes;
-}
-
 class ScheduleTest : public DeviceTest
 {
 protected:
     void SetUp() override
     {
-        openDevice(device);
+        openDevice();
         bringLevel(device, DSSCL_PRIORITY);
         tap.answer("IDirectSoundBuffer::GetCurrentPosition", [this](const dstap::Call& call) {
-            if (DWORD* play = call.out<DWORD>(0))
-                *play = playCursor;
-            if (DWORD* write = call.out<DWORD>(1))
-                *write = playCursor;
+            for (size_t k = 0; k < 2; k++) // play and write cursor
+                if (DWORD* cursor = call.out<DWORD>(k))
+                    *cursor = playCursor;
             return DS_OK;
         });
         heldBefore = tap.liveObjects();
@@ -62,9 +53,9 @@ protected:
 
     int scheduleConstant(short value, size_t frames, LONGLONG at)
     {
-        const std::vector<char> pcm = constantPcm(value, frames);
+        std::vector<short> pcm(frames, value);
         CSndDatatyx data;
-        data.setNewSndData(pcm.data(), static_cast<unsigned long>(pcm.size()), pcmFormat(1, kRate, 16));
+        data.setNewSndData(reinterpret_cast<char*>(pcm.data()), static_cast<unsigned long>(2 * frames), pcmFormat(1, kRate, 16));
         return schedule.scheduleStim(&data, at);
     }
 
@@ -76,7 +67,6 @@ protected:
         return value;
     }
 
-    TestDevice device;
     TestSchedule schedule;
     std::atomic<DWORD> playCursor{0};
     int heldBefore = 0;
@@ -114,11 +104,8 @@ TEST_F(ScheduleTest, RefusesWhatCannotPlayAsAskedAndCancelsWhatIsPending)
     const LONGLONG earliest = schedule.getEarliestFrame();
     EXPECT_EQ(0, scheduleConstant(100, 10, earliest - 1));
     EXPECT_EQ(0, schedule.scheduleStim(nullptr, earliest));
-    CSndDatatyx empty, stereo;
-    EXPECT_EQ(0, schedule.scheduleStim(&empty, earliest));
-    const std::vector<char> pcm = constantPcm(100, 20);
-    stereo.setNewSndData(pcm.data(), static_cast<unsigned long>(pcm.size()), pcmFormat(2, kRate, 16));
-    EXPECT_EQ(0, schedule.scheduleStim(&stereo, earliest));
+    EXPECT_EQ(0, schedule.scheduleStim(std::make_unique<CSndDatatyx>().get(), earliest)); // empty
+    EXPECT_EQ(0, schedule.scheduleStim(rampData(pcmFormat(2, kRate, 16), 80).get(), earliest));
 
     const int cancelled = scheduleConstant(7000, 50, 2000);
     ASSERT_GT(cancelled, 0);
