@@ -56,7 +56,9 @@ TEST(WaveWriter, WrittenInPiecesThenClosedOrDeletedReadsBackWhole)
             EXPECT_EQ(piece, written);
         }
         if (f.closed)
+        {
             EXPECT_EQ(1, writer->Close(writer->GetDataBytesWritten()));
+        }
         writer.reset();
         expectHeaderSizes(path, static_cast<uint32_t>(f.bytes));
         CSndDataReadtyStream reader;
