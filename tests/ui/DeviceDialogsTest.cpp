@@ -47,7 +47,8 @@ TEST_F(DialogTest, DeviceListOpensTheNumberTheComboShows)
 TEST_F(DialogTest, CapabilitiesReportShowsEveryFieldInOrder)
 {
     ASSERT_TRUE(device.createDSndObject(nullptr));
-    DSCAPS caps{sizeof caps};
+    DSCAPS caps = {};
+    caps.dwSize = sizeof caps;
     ASSERT_EQ(device.getDirectSnd()->GetCaps(&caps), DS_OK);
     ASSERT_EQ(caps.dwMaxSecondarySampleRate, 200000u) << "the report must carry the card's own figures";
 #define FIELD(name) {L"" #name L": ", caps.name}

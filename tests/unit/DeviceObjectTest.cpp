@@ -21,6 +21,17 @@ template <StimSetUp Member> struct Reach
 };
 template struct Reach<&CDirectSndDevice8Stim::initDSndStim>;
 
+// A card that mixes secondary buffers of the given kinds at 100 to 200,000 Hz.
+DSCAPS capsWith(DWORD flags)
+{
+    DSCAPS caps = {};
+    caps.dwSize = sizeof caps;
+    caps.dwFlags = flags;
+    caps.dwMinSecondarySampleRate = 100;
+    caps.dwMaxSecondarySampleRate = 200000;
+    return caps;
+}
+
 DSBUFFERDESC describe(DWORD flags, tWAVEFORMATEX* pWfx)
 {
     return {sizeof(DSBUFFERDESC), flags, pWfx->nAvgBytesPerSec, 0, pWfx, GUID_NULL};
@@ -80,7 +91,7 @@ TEST_F(DeviceTest, CapabilityAnswers)
         {0, 0, 0}};
     for (const auto& row : rows)
     {
-        tap.answerWith("IDirectSound8::GetCaps", 0, DSCAPS{sizeof(DSCAPS), row.flags, 100, 200000});
+        tap.answerWith("IDirectSound8::GetCaps", 0, capsWith(row.flags));
         EXPECT_EQ(row.channels, device.get2ndChannels()) << row.flags;
         EXPECT_EQ(row.bits, device.get2ndSampleBits()) << row.flags;
     }

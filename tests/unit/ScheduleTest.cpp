@@ -159,3 +159,23 @@ TEST(StreamClock, FollowsTheMostAdvancedReadingsAndInvertsItself)
                     static_cast<double>(hz / kRate));
     }
 }
+
+// A stall of the output delays the stream for good: once every reading of a tenth of a second
+// lags, the mapping follows them. A shorter lag, a mixer late once, moves nothing.
+TEST(StreamClock, FollowsAStalledStreamButNotABriefLag)
+{
+    const LONGLONG hz = 1000000;
+    const LONGLONG stall = 1323; // 30 ms of frames
+    CStreamClockty clock;
+    clock.restart(hz, kRate, 0);
+    LONGLONG tick = 0;
+    auto observeFor = [&](LONGLONG ticks, LONGLONG lag) {
+        for (const LONGLONG end = tick + ticks; tick < end; tick += 1700)
+            clock.observe(tick, (tick * kRate / hz - lag) / 80 * 80);
+    };
+    observeFor(hz, 0);
+    observeFor(hz / 20, stall);
+    EXPECT_NEAR(static_cast<double>(tick * kRate / hz), static_cast<double>(clock.frameAt(tick)), 1.0);
+    observeFor(hz / 5, stall);
+    EXPECT_NEAR(static_cast<double>(tick * kRate / hz - stall), static_cast<double>(clock.frameAt(tick)), 1.0);
+}

@@ -74,7 +74,9 @@ TEST_F(StreamPlayTest, EachEventRefillsTheOtherHalfUntilTheEndHalfHasPlayed)
         EXPECT_EQ(step.result, stream->streamData2Buffer(step.event)) << step.fileAt;
         ASSERT_EQ(step.locks, tap.count("IDirectSoundBuffer::Lock"));
         if (step.locks == 1)
+        {
             EXPECT_TRUE(holdsFile(step.half, step.fileAt, kHalf)) << step.fileAt;
+        }
         EXPECT_EQ(step.endHalf, stream->m_streamEndHalf);
         EXPECT_EQ(step.result == 0 ? 1 : 0, tap.count("IDirectSoundBuffer::Stop"));
     }
