@@ -242,7 +242,7 @@ double processSecondsOver(DWORD ms)
 // scheduler's worker costs.
 void workerCost(CDirectSndDevicety& device, CSndDatatyx& burst, unsigned long leadMs)
 {
-    const DWORD ms = 10000;
+    const DWORD ms = 30000; // long enough that the 10 ms steps of the process times stay small
     double plain = 0.0;
     {
         CDirectSnd3DBuffty loop;
