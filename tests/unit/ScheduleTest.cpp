@@ -165,7 +165,7 @@ TEST(StreamClock, FollowsTheMostAdvancedReadingsAndInvertsItself)
 TEST(StreamClock, FollowsAStalledStreamButNotABriefLag)
 {
     const LONGLONG hz = 1000000;
-    const LONGLONG stall = 1323; // 30 ms of frames
+    const LONGLONG stall = kRate * 30 / 1000;
     CStreamClockty clock;
     clock.restart(hz, kRate, 0);
     LONGLONG tick = 0;
