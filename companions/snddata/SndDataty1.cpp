@@ -35,7 +35,7 @@ tWAVEFORMATEX CSndDataty1::getAudioWaveDataWfx() const
 
 int CSndDataty1::hasAudioWaveData()
 {
-    if (m_data.empty() || m_bAssembling)
+    if (m_data.empty())
         return 0;
     return isUsableWfx(m_wfx) ? 1 : 0;
 }

@@ -24,8 +24,8 @@ public:
     char* getDataPointer() const;
     // Format of the held bytes (all zero until a format is given).
     tWAVEFORMATEX getAudioWaveDataWfx() const;
-    // Nonzero when the container holds playable audio: at least one byte, a format with
-    // channels, a rate and a block alignment, and no recording still open.
+    // Nonzero when the container holds audio: at least one byte in a format with channels,
+    // a rate and a block alignment. The bytes of an open recording count: they are held.
     int hasAudioWaveData();
     // The whole content as one block. copy false: *data points into the container's own
     // storage (valid as getDataPointer's). copy true: *data is a new[] array that the
