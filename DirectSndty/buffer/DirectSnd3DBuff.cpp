@@ -3,6 +3,7 @@
 #include "../device/DirectSndDevicety.h"
 #include "../dialogs/DlgDirectSnd3DbuffInfoty.h"
 #include "../foundation/ComRelease.h"
+#include "../foundation/SectionLock.h"
 
 namespace
 {
@@ -25,11 +26,13 @@ CDirectSnd3DBuff::CDirectSnd3DBuff()
     m_pDSBuffer = NULL;
     ZeroMemory(&m_wfx, sizeof(m_wfx));
     resetDSBDesc3DBuff();
+    InitializeCriticalSection(&m_interfaceLock);
 }
 
 CDirectSnd3DBuff::~CDirectSnd3DBuff()
 {
     releaseDirectSnd3DBuff();
+    DeleteCriticalSection(&m_interfaceLock);
 }
 
 int CDirectSnd3DBuff::resetDSBDesc3DBuff()
@@ -39,8 +42,11 @@ int CDirectSnd3DBuff::resetDSBDesc3DBuff()
     return 1;
 }
 
+// A moving play ends with the interface it moves.
 int CDirectSnd3DBuff::releaseDirectSnd3DBuff()
 {
+    SectionLock hold(m_interfaceLock);
+    m_nPlaying = 0;
     releaseInterface(m_pDS3DBuffer);
     return 1;
 }

@@ -30,6 +30,9 @@ protected:
     float m_fPlayLength;
     float m_fElapsedTime; // milliseconds since a moving play began
     int m_nPlaying;       // nonzero while a 3D stimulus plays
+    // Held by a release of the 3D interface and by each step of a moving play, so the motion
+    // worker never calls through an interface the host's thread has just released.
+    CRITICAL_SECTION m_interfaceLock;
 
 private:
     CString composeDirectSnd3DInfo(IDirectSound3DListener* pListener);

@@ -1,5 +1,7 @@
 #include "DirectSnd3DBuff2Motion.h"
 #include "../device/DirectSndDevicety.h"
+#include "../foundation/SectionLock.h"
+#include "../foundation/ThreadJoin.h"
 #include "../platform/DirectSoundSeam.h"
 
 namespace
@@ -53,7 +55,7 @@ void CDirectSnd3DBuff2Motion::endMotion()
         return;
     if (m_hMotionWake != NULL)
         SetEvent(m_hMotionWake);
-    WaitForSingleObject(m_pMoveThread->m_hThread, INFINITE);
+    joinHandlingSentMessages(m_pMoveThread->m_hThread);
     delete m_pMoveThread;
     m_pMoveThread = NULL;
     if (m_hMotionWake != NULL)
@@ -160,7 +162,20 @@ UINT AFX_CDECL CDirectSnd3DBuff2Motion::moveThreadProc(LPVOID pParam)
 
 int CDirectSnd3DBuff2Motion::moveDS3DSnd()
 {
-    if (m_pDS3DBuffer == NULL || m_pDSndDevice == NULL)
+    LPCTSTR pszFailure = NULL;
+    int nGoingOn = moveOneStep(pszFailure);
+    if (pszFailure != NULL)
+        AfxMessageBox(pszFailure, MB_OK, 0);
+    return nGoingOn;
+}
+
+// Under the lock a release takes, with the interface read once; a failure is shown by the
+// caller once the lock is free, so a host releasing the buffer never waits on a message box.
+int CDirectSnd3DBuff2Motion::moveOneStep(LPCTSTR& pszFailure)
+{
+    SectionLock hold(m_interfaceLock);
+    IDirectSound3DBuffer8* p3DBuffer = m_pDS3DBuffer;
+    if (p3DBuffer == NULL || m_pDSndDevice == NULL)
         return 0;
 
     float t = (float)DSndPlatform::milliseconds() - m_moveStartTime;
@@ -171,10 +186,10 @@ int CDirectSnd3DBuff2Motion::moveDS3DSnd()
     m_ds3dBufferSaved.vPosition = travelled(m_ds3dBuffer.vPosition, m_ds3dBuffer.vVelocity, t);
     m_ds3dListenerSaved.vPosition = travelled(m_ds3dListener.vPosition, m_ds3dListener.vVelocity, t);
 
-    m_hr = m_pDS3DBuffer->SetAllParameters(&m_ds3dBufferSaved, DS3D_DEFERRED);
+    m_hr = p3DBuffer->SetAllParameters(&m_ds3dBufferSaved, DS3D_DEFERRED);
     if (FAILED(m_hr))
     {
-        AfxMessageBox(_T("Direct sound buffer 3D set all parameters error"), MB_OK, 0);
+        pszFailure = _T("Direct sound buffer 3D set all parameters error");
         return 0;
     }
     IDirectSound3DListener* pListener = m_pDSndDevice->getDirectSnd3DListener(false);
@@ -185,7 +200,7 @@ int CDirectSnd3DBuff2Motion::moveDS3DSnd()
         m_hr = pListener->CommitDeferredSettings();
     if (FAILED(m_hr))
     {
-        AfxMessageBox(_T("Direct sound listener 3D set all parameters error"), MB_OK, 0);
+        pszFailure = _T("Direct sound listener 3D set all parameters error");
         return 0;
     }
     return 1;

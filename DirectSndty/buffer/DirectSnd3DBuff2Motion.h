@@ -29,6 +29,7 @@ protected:
 private:
     static UINT AFX_CDECL moveThreadProc(LPVOID pParam);
     int applyParametersAndPlay();
+    int moveOneStep(LPCTSTR& pszFailure);
     int startMoveThread();
 
     HANDLE m_hMotionWake; // set to end the motion's pauses at once

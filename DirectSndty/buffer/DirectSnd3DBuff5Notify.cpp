@@ -41,7 +41,7 @@ int CDirectSnd3DBuff5Notify::initNotifyEvt(unsigned long ulTotal, unsigned long 
     if (ulStep == 0 || m_pDSNotify == NULL)
         return 0;
 
-    closeNotifyEvents(m_posNotify, kNotifyEntries);
+    m_retiredEvents.retire(m_posNotify, kNotifyEntries);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_posNotify[0].hEventNotify = CreateEventW(NULL, FALSE, FALSE, NULL);
 
@@ -60,6 +60,7 @@ int CDirectSnd3DBuff5Notify::initNotifyEvt(unsigned long ulTotal, unsigned long 
     }
 
     m_hr = m_pDSNotify->SetNotificationPositions(made, m_posNotify);
+    m_retiredEvents.settle(m_hr);
     return traceHR();
 }
 
@@ -67,10 +68,11 @@ int CDirectSnd3DBuff5Notify::initStopEvt()
 {
     if (m_pDSNotify == NULL)
         return 0;
-    closeNotifyEvents(m_posNotify, kNotifyEntries);
+    m_retiredEvents.retire(m_posNotify, kNotifyEntries);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_hr = m_pDSNotify->SetNotificationPositions(1, m_posNotify);
+    m_retiredEvents.settle(m_hr);
     return traceHR();
 }
 

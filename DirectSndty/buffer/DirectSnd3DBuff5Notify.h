@@ -3,6 +3,7 @@
 // questions about its play status.
 
 #include "DirectSnd3DBuff2Motion.h"
+#include "../foundation/NotifyEvents.h"
 
 class AFX_EXT_CLASS CDirectSnd3DBuff5Notify : public CDirectSnd3DBuff2Motion
 {
@@ -29,4 +30,6 @@ protected:
 
 private:
     int hasStatus(DWORD dwBit);
+
+    RetiredNotifyEvents m_retiredEvents;
 };

@@ -7,8 +7,10 @@ CDirectSnd3DBuffty::CDirectSnd3DBuffty()
     m_moveStartTime = 0.0f;
 }
 
+// The motion worker is ended before any layer lets go of what it uses.
 CDirectSnd3DBuffty::~CDirectSnd3DBuffty()
 {
+    endMotion();
 }
 
 // On OK the edited working records become the committed ones and the device's listener record.

@@ -47,10 +47,11 @@ int CDSndCapturety2BuffNotify::initDSBNevt()
 {
     if (m_pDSNotify == NULL)
         return 0;
-    closeNotifyEvents(m_posNotify, kNotifyEntries);
+    m_retiredEvents.retire(m_posNotify, kNotifyEntries);
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
     m_hr = m_pDSNotify->SetNotificationPositions(1, m_posNotify);
+    m_retiredEvents.settle(m_hr);
     return traceHR();
 }
 
@@ -61,7 +62,7 @@ int CDSndCapturety2BuffNotify::initDSBNoteEvt(unsigned long ulBytes, unsigned lo
     unsigned long ulStep = kSpacingUnits * ulUnit;
     if (m_pDSNotify == NULL || ulStep == 0)
         return 0;
-    closeNotifyEvents(m_posNotify, kNotifyEntries);
+    m_retiredEvents.retire(m_posNotify, kNotifyEntries);
     m_posNotify[0].hEventNotify = CreateEventW(NULL, TRUE, FALSE, NULL);
     m_posNotify[0].dwOffset = DSBPN_OFFSETSTOP;
 
@@ -79,6 +80,7 @@ int CDSndCapturety2BuffNotify::initDSBNoteEvt(unsigned long ulBytes, unsigned lo
         ulMade = i;
     }
     m_hr = m_pDSNotify->SetNotificationPositions(ulMade, m_posNotify);
+    m_retiredEvents.settle(m_hr);
     m_nNotifyPositions = static_cast<int>(ulMade);
     return traceHR();
 }

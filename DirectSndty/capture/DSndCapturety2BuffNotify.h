@@ -3,6 +3,7 @@
 // position events for recordings that run round the buffer.
 
 #include "DSndCapturety1Buff.h"
+#include "../foundation/NotifyEvents.h"
 
 class AFX_EXT_CLASS CDSndCapturety2BuffNotify : public CDSndCapturety1Buff
 {
@@ -25,4 +26,7 @@ protected:
     int m_nNotifyPositions;
     DSBPOSITIONNOTIFY m_posNotify[kNotifyEntries]; // entry 0 is the stop entry
     IDirectSoundNotify* m_pDSNotify;
+
+private:
+    RetiredNotifyEvents m_retiredEvents;
 };

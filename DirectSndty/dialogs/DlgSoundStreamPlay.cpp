@@ -1,6 +1,7 @@
 #include "DlgSoundStreamPlay.h"
 #include <afxdlgs.h>
 #include "../buffer/DirectSnd3DBuff7PlayStream.h"
+#include "../foundation/ThreadJoin.h"
 
 IMPLEMENT_DYNAMIC(CDlgSoundStreamPlay, CDialog)
 
@@ -8,17 +9,6 @@ namespace
 {
 const LPCTSTR kFileFilter = _T("All Files(*.*)|*.*|Wave Files(*.wav)|*.wav||");
 const DWORD kFileFilterIndex = 1; // "All Files(*.*)"
-
-// Waits for a thread while handling the messages other threads send to this one: the
-// worker enables this thread's buttons on its way out.
-void waitHandlingSentMessages(HANDLE hThread)
-{
-    while (MsgWaitForMultipleObjects(1, &hThread, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1)
-    {
-        MSG msg;
-        PeekMessageW(&msg, NULL, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
-    }
-}
 }
 
 CDlgSoundStreamPlay::CDlgSoundStreamPlay(CWnd* pParent /*=NULL*/)
@@ -143,7 +133,7 @@ void CDlgSoundStreamPlay::endStreamThread()
         return;
     if (WaitForSingleObject(m_pStreamThread->m_hThread, 0) == WAIT_TIMEOUT && m_pSndBuffStream != NULL)
         m_pSndBuffStream->stopDSnd2ndBufLargeFileStream();
-    waitHandlingSentMessages(m_pStreamThread->m_hThread);
+    joinHandlingSentMessages(m_pStreamThread->m_hThread);
     delete m_pStreamThread;
     m_pStreamThread = NULL;
 }

@@ -1,6 +1,7 @@
 #include "DlgSoundStreamRecord.h"
 #include "FormatCombos.h"
 #include "SndWaveWriteStreamty.h"
+#include "../foundation/ThreadJoin.h"
 #include <afxdlgs.h>
 #include <new>
 
@@ -166,7 +167,7 @@ void CDlgSoundStreamRecord::endRecordThread()
     m_bRecording = 0;
     if (m_pRecordThread == NULL)
         return;
-    while (WaitForSingleObject(m_pRecordThread->m_hThread, kWakeIntervalMs) == WAIT_TIMEOUT)
+    while (!joinHandlingSentMessages(m_pRecordThread->m_hThread, kWakeIntervalMs))
         PostThreadMessageW(m_pRecordThread->m_nThreadID, WM_NULL, 0, 0);
     delete m_pRecordThread;
     m_pRecordThread = NULL;

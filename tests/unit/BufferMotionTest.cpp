@@ -1,4 +1,5 @@
 #include "UnitFixtures.h"
+#include <atomic>
 
 namespace
 {
@@ -82,6 +83,71 @@ TEST_F(BufferMotionTest, StoppingRestartingOrDestroyingEndsTheMotion)
     ASSERT_EQ(1, moving->sendAudioStimDS3D());
     moving.reset(); // with the clock standing still the motion would never end by itself
     EXPECT_EQ(0, tap.deadObjectCalls());
+}
+
+// The host's thread reloads or releases the buffer at any moment of a motion step: the worker
+// never calls through a released interface, and the play that follows joins it.
+TEST_F(BufferMotionTest, ReloadOrReleaseDuringAMotionNeverReachesAReleasedInterface)
+{
+    for (int round = 0; round < 500; round++)
+    {
+        buffer.m_ds3dBuffer.vVelocity = {1, 0, 0};
+        ASSERT_EQ(1, buffer.sendAudioStimMovingSnd()) << round;
+        for (volatile int spin = (round * 7919) % 40000; spin > 0; spin--)
+        {
+        }
+        if (round % 2)
+            buffer.releaseDirectSnd3DBuff();
+        ASSERT_EQ(1, buffer.setSndData2DS3Dbuff2(data.get(), &device)) << round;
+    }
+    buffer.stopAudioStim();
+    EXPECT_EQ(0, tap.deadObjectCalls());
+    EXPECT_TRUE(messages.texts().empty());
+
+    // The moment a bare repetition rarely meets: a release while a step is under way waits for it.
+    std::atomic<int> step{0}; // 1 while the step's call runs, 2 once it is over
+    buffer.m_ds3dBuffer.vVelocity = {1, 0, 0};
+    ASSERT_EQ(1, buffer.sendAudioStimMovingSnd());
+    tap.answer("IDirectSound3DBuffer::SetAllParameters", [&step](const dstap::Call&) {
+        step = 1;
+        Sleep(100);
+        step = 2;
+        return DS_OK;
+    });
+    for (DWORD waited = 0; step != 1 && waited < kWait; waited++)
+        Sleep(1);
+    ASSERT_EQ(1, step.load());
+    buffer.releaseDirectSnd3DBuff();
+    EXPECT_EQ(2, step.load());
+}
+
+// A message box with an owner talks to the owner's thread while it is up. A stop from that
+// thread keeps answering it; a stop that only waited and the box would wait for each other.
+HWND g_owner;
+HANDLE g_boxUp;
+LRESULT g_ownerAnswered;
+int CALLBACK boxTalkingToItsOwner(LPCTSTR, UINT, UINT)
+{
+    SetEvent(g_boxUp);
+    DWORD_PTR result = 0;
+    g_ownerAnswered = SendMessageTimeoutW(g_owner, WM_NULL, 0, 0, SMTO_NORMAL, 3000, &result);
+    return IDOK;
+}
+
+TEST_F(BufferMotionTest, StopKeepsAnsweringTheWorkersMessageBox)
+{
+    g_owner = CreateWindowW(L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, NULL, NULL, NULL);
+    g_boxUp = CreateEventW(NULL, TRUE, FALSE, NULL);
+    const AFX_MSGBOX_ANSWERER previous = AfxSetMessageBoxAnswerer(boxTalkingToItsOwner);
+    buffer.m_ds3dBuffer.vVelocity = {1, 0, 0};
+    ASSERT_EQ(1, buffer.sendAudioStimMovingSnd());
+    tap.failAlways("IDirectSound3DListener::CommitDeferredSettings", DSERR_GENERIC);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(g_boxUp, kWait));
+    buffer.stopAudioStim();
+    AfxSetMessageBoxAnswerer(previous);
+    EXPECT_NE(0, g_ownerAnswered);
+    CloseHandle(g_boxUp);
+    DestroyWindow(g_owner);
 }
 
 TEST_F(BufferMotionTest, MotionFailureEndsTheMotionWithItsMessage)

@@ -124,6 +124,9 @@ TEST_F(BufferPlayTest, NotificationsRegisterTheStopEntryAndAllButTheLastPosition
     ASSERT_EQ(1, notifiable->stopDSnd2ndBuf());
     ASSERT_EQ(WAIT_OBJECT_0, waitFor(0, kWait));
     EXPECT_EQ(WAIT_OBJECT_0, waitFor(0, 0));
+    tap.failNext("IDirectSoundNotify::SetNotificationPositions", DSERR_GENERIC);
+    EXPECT_EQ(0, notifiable->initNotifyEvt(1000000, 1000, wfx));
+    EXPECT_EQ(1 + 29, tap.openNotificationHandles()); // refused: the platform still signals the stop event
     notifiable.reset();
     EXPECT_EQ(0, tap.openNotificationHandles());
 }

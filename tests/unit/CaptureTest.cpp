@@ -131,6 +131,9 @@ TEST_F(CaptureTest, PositionTableLeavesOutTheLastPositionAndAFullBufferSignalsSt
     ASSERT_EQ(10u, positions.size());
     EXPECT_EQ(DSBPN_OFFSETSTOP, positions[0].dwOffset);
     EXPECT_EQ(5400u, positions[9].dwOffset);
+    tap.failNext("IDirectSoundNotify::SetNotificationPositions", DSERR_GENERIC);
+    EXPECT_EQ(0, capture->initDSBNevt());
+    EXPECT_EQ(10 + 1, tap.openNotificationHandles()); // refused: the platform still signals the old table
     ASSERT_EQ(1, capture->initDSBNoteEvt(40000 * 6, 1, cd)); // capped at the table's size
     EXPECT_EQ(29999u, tap.notificationSets().back().positions.size());
     EXPECT_EQ(29999, tap.openNotificationHandles());
