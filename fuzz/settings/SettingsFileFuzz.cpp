@@ -47,8 +47,15 @@ template <class T> Bytes stored(T& object)
     return readFile();
 }
 
-// Bytes taken by the archive's string prefix at the start, or 0 when it is none it reads.
-size_t prefixLength(const Bytes& b)
+// The string the archive reads at the start of a file, and the bytes it takes; the long
+// forms (lengths from 0xFFFF on) never hold a magic that loads.
+struct Magic
+{
+    std::wstring text;
+    size_t bytes = 0;
+};
+
+Magic readMagic(const Bytes& b)
 {
     auto at = [&](size_t i) { return i < b.size() ? static_cast<unsigned char>(b[i]) : 0u; };
     size_t pos = 0, charSize = 1;
@@ -60,9 +67,11 @@ size_t prefixLength(const Bytes& b)
         length = at(pos) | at(pos + 1) << 8;
         pos += 2;
     }
-    if (length == 0xFFFF)
-        return 0; // the long forms never hold a magic that loads
-    return pos + length * charSize;
+    Magic magic;
+    for (size_t i = 0; length < 0xFFFF && i < length; i++, pos += charSize)
+        magic.text += static_cast<wchar_t>(charSize == 2 ? at(pos) | at(pos + 1) << 8 : at(pos));
+    magic.bytes = pos;
+    return magic;
 }
 
 struct Counts
@@ -148,11 +157,12 @@ template <class T> void fuzz(const char* name, void (*fill)(T&), long files, uns
         }
         counts.loaded++;
         const Bytes again = stored(loaded);
-        const size_t header = prefixLength(good), fileHeader = prefixLength(file);
-        if (file.compare(fileHeader, again.size() - header, again, header, Bytes::npos) != 0)
+        const Magic expected = readMagic(good), found = readMagic(file);
+        if (found.text != expected.text ||
+            file.compare(found.bytes, again.size() - expected.bytes, again, expected.bytes, Bytes::npos) != 0)
         {
             counts.wrong++;
-            std::printf("%s: file %ld loaded fields that are not the file's\n", name, n);
+            std::printf("%s: file %ld loaded with another magic or fields that are not the file's\n", name, n);
         }
     }
     std::printf("%s: %ld files: %ld refused, %ld archive exceptions, %ld loaded, %ld wrong\n", name, files,
