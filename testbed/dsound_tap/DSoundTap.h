@@ -46,9 +46,9 @@ public:
     DSoundTap& operator=(const DSoundTap&) = delete;
 
     // ---- Scripted results ----------------------------------------------------------------
-    // A failure code skips the platform's work and nulls the interface the call would hand
-    // out; a success code other than S_OK (S_FALSE) lets the work happen and is returned
-    // instead of the platform's. Calls are counted per method from the tap's start, 1-based.
+    // A failure code skips the platform's work (or the test's answer) and nulls the interface
+    // the call would hand out; a success code other than S_OK (S_FALSE) lets the work happen
+    // and is returned instead of the platform's. Calls are counted per method from the tap's start, 1-based.
     void failAlways(const std::string& method, HRESULT hr);
     void failNth(const std::string& method, int nth, HRESULT hr);
     void failNext(const std::string& method, HRESULT hr); // the next call only

@@ -59,12 +59,13 @@ HRESULT TapState::run(const std::string& method, const void* object, std::vector
     lock.unlock();
 
     HRESULT hr;
-    if (answer)
-        hr = answer(call);
-    else if (scripted && FAILED(*scripted))
-        hr = *scripted; // the platform never sees the call
+    if (scripted && FAILED(*scripted))
+        hr = *scripted; // neither the platform nor an answer sees the call
     else
-        hr = scripted ? (work(), *scripted) : work();
+    {
+        hr = answer ? answer(call) : work();
+        hr = scripted ? *scripted : hr;
+    }
 
     lock.lock();
     if (!retired && index >= logBase && index - logBase < log.size())

@@ -57,6 +57,7 @@ public:
     }
 
     using CDirectSnd2DBuff::copySndData2DSndBuf2nd;
+    using CDirectSnd2DBuff::createDSndBuff2ndStd;
     using CDirectSnd2DBuff::m_pDSBuffer;
     using CDirectSnd2DBuff::m_pDSndDevice;
     using CDirectSnd2DBuff::m_dsbd;
