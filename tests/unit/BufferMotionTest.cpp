@@ -89,7 +89,7 @@ TEST_F(BufferMotionTest, StoppingRestartingOrDestroyingEndsTheMotion)
 // never calls through a released interface, and the play that follows joins it.
 TEST_F(BufferMotionTest, ReloadOrReleaseDuringAMotionNeverReachesAReleasedInterface)
 {
-    for (int round = 0; round < 500; round++)
+    for (int round = 0; round < 2000; round++)
     {
         buffer.m_ds3dBuffer.vVelocity = {1, 0, 0};
         ASSERT_EQ(1, buffer.sendAudioStimMovingSnd()) << round;

@@ -8,7 +8,6 @@
 #include "SndDataReadtyStream.h"
 #include "SndWaveWriteStreamty.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -19,12 +18,6 @@ namespace
 using Results = std::vector<int>;
 
 const tWAVEFORMATEX kCd = pcmFormat(2, 44100, 16);
-
-class SweptCapture : public CDSndCapturetyx
-{
-public:
-    using CDSndCapturety2BuffNotify::m_posNotify;
-};
 
 class SweptFacade : public CSndDataRecordPlaytyx
 {
@@ -45,79 +38,61 @@ struct Roadside
 struct Road
 {
     const char* name;
-    std::function<Results(Roadside&)> run;
+    std::function<Results(Roadside&)> run; // the results of its operations, in order
     // Calls whose failure the road's operations pass over by design: "Interface::Method#n", the
     // interface without its "IDirectSound" ("8::Compact#1" is IDirectSound8's first Compact).
     const char* passedOver;
 };
 
+// A braced list is evaluated in order, so each road reads as the host's calls.
 Results stimulusBringUp(Roadside& side)
 {
-    Results r{side.device.initDSndStimX(kWindow, NULL, DSSCL_EXCLUSIVE)};
-    r.push_back(side.device.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY));
-    r.push_back(side.device.createDSndBuff1Primary());
-    r.push_back(side.device.setDSndPrimaryWfx(kCd));
-    return r;
+    TestDevice& d = side.device;
+    return {d.initDSndStimX(kWindow, NULL, DSSCL_EXCLUSIVE), d.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY),
+            d.createDSndBuff1Primary(), d.setDSndPrimaryWfx(kCd)};
 }
 
 Results hardwareBringUp(Roadside& side)
 {
     TestDevice& d = side.device;
-    Results r{d.enumerateDirectSndDeviceInfo() != NULL, side.openDevice(), d.get2ndChannels()};
-    r.push_back(d.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY));
-    r.push_back(d.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY));
-    r.push_back(d.createDSndBuff1Primary());
-    r.push_back(d.setDSndPrimaryWfx(kCd));
-    r.push_back(d.playDSnd1PrimaryBuf());
-    r.push_back(d.stopDSnd1PrimaryBuf());
-    r.push_back(d.setHeadPhone());
-    return r;
+    return {d.enumerateDirectSndDeviceInfo() != NULL, side.openDevice(), d.get2ndChannels(),
+            d.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY), d.setDSndCooperatLevelStd(kWindow, DSSCL_PRIORITY),
+            d.createDSndBuff1Primary(), d.setDSndPrimaryWfx(kCd), d.playDSnd1PrimaryBuf(), d.stopDSnd1PrimaryBuf(),
+            d.setHeadPhone()};
 }
 
 Results plays2D(Roadside& side)
 {
-    TestBuffer buffer;
-    Results r{side.openDevice(), buffer.setSndData2DSndBuf2ndStd(side.data.get(), &side.device)};
-    for (auto step : {&CDirectSnd2DBuff::sendAudioStim, &CDirectSnd2DBuff::sendAudioStimLoop,
-                      &CDirectSnd2DBuff::panMuteLeft, &CDirectSnd2DBuff::panMuteRight,
-                      &CDirectSnd2DBuff::panCenter, &CDirectSnd2DBuff::stopAudioStim})
-        r.push_back((buffer.*step)());
-    r.push_back(buffer.releaseDirectSnd2DBuff());
-    return r;
+    TestBuffer b;
+    return {side.openDevice(), b.setSndData2DSndBuf2ndStd(side.data.get(), &side.device), b.sendAudioStim(),
+            b.sendAudioStimLoop(), b.panMuteLeft(), b.panMuteRight(), b.panCenter(), b.stopAudioStim(),
+            b.releaseDirectSnd2DBuff()};
 }
 
 Results plays3D(Roadside& side)
 {
-    TestBuffer buffer;
-    Results r{side.openDevice(), buffer.setSndData2DS3Dbuff2(side.data.get(), &side.device)};
-    r.push_back(buffer.sendAudStim3DSndStatic());
-    r.push_back(buffer.stopAudioStimDS3D());
-    buffer.m_ds3dBuffer.vVelocity = {2, 0, 0};
-    r.push_back(buffer.sendAudioStimDS3D()); // the test clock runs it to its end in a few steps
-    if (buffer.m_pMoveThread)
-        r.push_back(WaitForSingleObject(buffer.m_pMoveThread->m_hThread, kWait) == WAIT_OBJECT_0);
-    r.push_back(buffer.getDS3DBuffPara());
-    r.push_back(side.device.getDS3DListenerPara());
-    r.push_back(side.device.setCommitDS3DListenerParam());
-    r.push_back(side.device.commitDS3DListenerDeferredSettings());
+    TestBuffer b;
+    Results r{side.openDevice(), b.setSndData2DS3Dbuff2(side.data.get(), &side.device), b.sendAudStim3DSndStatic(),
+              b.stopAudioStimDS3D()};
+    b.m_ds3dBuffer.vVelocity = {2, 0, 0};
+    r.push_back(b.sendAudioStimDS3D()); // the test clock runs it to its end in a few steps
+    if (b.m_pMoveThread)
+        r.push_back(WaitForSingleObject(b.m_pMoveThread->m_hThread, kWait) == WAIT_OBJECT_0);
+    CDirectSndDevicety& d = side.device;
+    r.insert(r.end(), {b.getDS3DBuffPara(), d.getDS3DListenerPara(), d.setCommitDS3DListenerParam(),
+                       d.commitDS3DListenerDeferredSettings()});
     return r;
 }
 
 Results notifiedPlay(Roadside& side)
 {
-    TestBuffer buffer;
-    buffer.m_wfx = kCd;
-    buffer.m_dsbd.dwFlags = DSBCAPS_CTRLPOSITIONNOTIFY;
-    buffer.m_dsbd.dwBufferBytes = 176400;
-    buffer.m_pDSndDevice = &side.device;
-    Results r{side.openDevice(), buffer.createDSndBuff2ndStd() == 176400, buffer.quaryNotify()};
-    r.push_back(buffer.initNotifyEvt(1000000, 1000, kCd));
-    r.push_back(buffer.playDSnd2ndBuf());
-    r.push_back(buffer.stopDSnd2ndBuf());
-    r.push_back(buffer.initStopEvt());
-    r.push_back(buffer.playDSnd2ndBufLoop());
-    r.push_back(buffer.stopDSnd2ndBuf());
-    return r;
+    TestBuffer b;
+    b.m_wfx = kCd;
+    b.m_dsbd.dwFlags = DSBCAPS_CTRLPOSITIONNOTIFY;
+    b.m_dsbd.dwBufferBytes = 176400;
+    b.m_pDSndDevice = &side.device;
+    return {side.openDevice(), b.createDSndBuff2ndStd() == 176400, b.quaryNotify(), b.initNotifyEvt(1000000, 1000, kCd),
+            b.playDSnd2ndBuf(), b.stopDSnd2ndBuf(), b.initStopEvt(), b.playDSnd2ndBufLoop(), b.stopDSnd2ndBuf()};
 }
 
 Results streamedPlay(Roadside& side)
@@ -131,51 +106,36 @@ Results streamedPlay(Roadside& side)
     unsigned long size = 0;
     tWAVEFORMATEX wfx = kCd;
     reader.initStream2Read(CString(side.file.path.c_str()), &size, &wfx);
-    Results r{side.openDevice()};
-    {
-        TestBuffer stream;
-        stream.m_pDSndDevice = &side.device;
-        stream.m_pSndDataReadStream = &reader;
-        r.push_back(stream.initPlayStream(kWindow, kCd));
-        r.push_back(stream.playDSnd2ndBufLargeFileStream());
-        if (r.back() == 1)
-        {
-            SetEvent(stream.m_hStreamEvent[1]);
-            r.push_back(stream.waitStreamEvt());
-        }
-        r.push_back(stream.stopDSnd2ndBufLargeFileStream());
-    }
+    TestBuffer stream;
+    stream.m_pDSndDevice = &side.device;
+    stream.m_pSndDataReadStream = &reader;
+    Results r{side.openDevice(), stream.initPlayStream(kWindow, kCd), stream.playDSnd2ndBufLargeFileStream()};
+    if (r.back() == 1 && SetEvent(stream.m_hStreamEvent[1])) // the cursor at the half: a refill
+        r.push_back(stream.waitStreamEvt());
+    r.push_back(stream.stopDSnd2ndBufLargeFileStream());
     reader.closeSndFileMmio();
     return r;
 }
 
 Results facadePlayAndRecord(Roadside& side)
 {
-    Results r{side.openDevice()};
     CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(&side.device);
-    {
-        SweptFacade facade;
-        facade.setSndData(side.data.get());
-        r.push_back(facade.playBegin(NULL, 0, 0));
-        r.push_back(facade.playStop());
-        SweptFacade recorder;
-        r.push_back(recorder.recordBegin(NULL, 0));
-        r.push_back(recorder.recordUpdate());
-        r.push_back(recorder.recordStop());
-        recorder.killDirectSndCpture();
-    }
+    SweptFacade player, recorder;
+    player.setSndData(side.data.get());
+    Results r{side.openDevice(), player.playBegin(NULL, 0, 0), player.playStop(), recorder.recordBegin(NULL, 0),
+              recorder.recordUpdate(), recorder.recordStop()};
+    recorder.killDirectSndCpture();
     CSndDataRecordPlayty4Pdsnd::setDirectSndDevice(NULL);
     return r;
 }
 
 Results fixedCapture(Roadside&)
 {
-    auto capture = std::make_unique<SweptCapture>();
-    Results r{capture->initDataSizeWfxNonCircle(kCd, 17640), capture->recordStart()};
+    auto capture = std::make_unique<CDSndCapturetyx>();
     char* pData = nullptr;
     unsigned long bytes = 0;
-    r.push_back(capture->copyUnCircleBufferData(pData, &bytes));
-    r.push_back(capture->recordStop());
+    Results r{capture->initDataSizeWfxNonCircle(kCd, 17640), capture->recordStart(),
+              capture->copyUnCircleBufferData(pData, &bytes), capture->recordStop()};
     delete[] pData;
     return r;
 }
@@ -183,12 +143,9 @@ Results fixedCapture(Roadside&)
 Results circularCapture(Roadside&)
 {
     std::vector<char> block(1587600);
-    auto capture = std::make_unique<SweptCapture>();
-    Results r{capture->initDataSizeWfxCirclePro(kCd, static_cast<unsigned long>(block.size()), block.data())};
-    r.push_back(capture->recordStart());
-    r.push_back(static_cast<int>(capture->getNewRecordDataSize()));
-    r.push_back(capture->recordStop());
-    return r;
+    auto c = std::make_unique<CDSndCapturetyx>();
+    return {c->initDataSizeWfxCirclePro(kCd, static_cast<unsigned long>(block.size()), block.data()), c->recordStart(),
+            static_cast<int>(c->getNewRecordDataSize()), c->recordStop()};
 }
 
 Results streamedCapture(Roadside& side)
@@ -197,22 +154,17 @@ Results streamedCapture(Roadside& side)
     writer.Open(CString(side.file.path.c_str()), const_cast<tWAVEFORMATEX*>(&kCd));
     auto stream = std::make_unique<CDSndCapturetyStream>();
     stream->m_pSndWaveWriteStream = &writer;
-    Results r{stream->initCapture2stream(kCd, 352800), stream->startCaptureStream()};
     std::vector<char> ring(4096);
     int position = 0;
-    r.push_back(stream->getRecordNewStreamData(ring.data(), 4096, position, true));
-    r.push_back(stream->stopCaptureStream());
-    return r;
+    return {stream->initCapture2stream(kCd, 352800), stream->startCaptureStream(),
+            stream->getRecordNewStreamData(ring.data(), 4096, position, true), stream->stopCaptureStream()};
 }
 
 Results settingsFiles(Roadside& side)
 {
-    Results r{side.openDevice(), side.file.store(side.device), side.file.load(side.device)};
-    TestBuffer buffer;
-    r.push_back(buffer.setSndData2DS3Dbuff2(side.data.get(), &side.device));
-    r.push_back(side.file.store(buffer));
-    r.push_back(side.file.load(buffer));
-    return r;
+    TestBuffer b;
+    return {side.openDevice(), side.file.store(side.device), side.file.load(side.device),
+            b.setSndData2DS3Dbuff2(side.data.get(), &side.device), side.file.store(b), side.file.load(b)};
 }
 
 // Passed over everywhere: the primary buffer's format read (a format that cannot be read is
