@@ -14,6 +14,7 @@ const unsigned long kShortestLeadMs = 10;
 const unsigned long kLongestLeadMs = 5000;
 const DWORD kLeadsPerBuffer = 4; // the buffer holds this many leads, and at least a second
 const DWORD kPollsPerLead = 4;
+const DWORD kStartWaitMs = 200; // for the platform's first period, which may commit several at once
 
 LONGLONG counterNow()
 {
@@ -162,6 +163,7 @@ int CDirectSndSchedulety::startPlaying()
     m_hr = m_pDSBuffer->Play(0, 0, DSBPLAY_LOOPING);
     if (m_hr != DS_OK)
         return 0;
+    awaitFirstPeriod();
     SectionLock hold(m_lock);
     m_dwLastPlayCursor = 0;
     m_llPlayFrame = 0;
@@ -180,6 +182,19 @@ int CDirectSndSchedulety::startPlaying()
     m_llDirtyEnd = m_llWriteCursorFrame;
     refill();
     return 1;
+}
+
+// Wine's mixer, starting for the first buffer of a process, commits some 60 ms at once; a
+// stimulus at the earliest frame promised before that would be cut.
+void CDirectSndSchedulety::awaitFirstPeriod()
+{
+    for (DWORD dwWaited = 0; dwWaited < kStartWaitMs; dwWaited++)
+    {
+        DWORD dwPlay = 0;
+        if (FAILED(m_pDSBuffer->GetCurrentPosition(&dwPlay, NULL)) || dwPlay != 0)
+            return;
+        Sleep(1);
+    }
 }
 
 int CDirectSndSchedulety::startWorker()

@@ -98,6 +98,7 @@ private:
     int createLoopBuffer(CDirectSndDevicety* pDevice);
     int fillWithSilence();
     int startPlaying();
+    void awaitFirstPeriod();
     int startWorker();
     void stopWorker();
     static UINT AFX_CDECL workerProc(LPVOID pParam);
