@@ -22,6 +22,7 @@ const char kUsage[] =
     "             (10 to 5000, default 50)";
 
 const double kPlanAheadSeconds = 1.0; // stimuli are handed to the scheduler this far ahead
+const double kPlayOutSeconds = 0.2;   // the stream runs on this long after the last stimulus
 
 struct TrainRequest
 {
@@ -112,7 +113,10 @@ int playTrain(const TrainRequest& request, CSndDatatyx& data, CDirectSndDevicety
     std::vector<int> ids;
     const LONGLONG first = schedule.getEarliestFrame() + wfx.nSamplesPerSec / 10;
     const LONGLONG planAhead = static_cast<LONGLONG>(kPlanAheadSeconds * wfx.nSamplesPerSec);
-    const LONGLONG end = first + onsets.back() + data.getDataSize() / wfx.nBlockAlign;
+    // The play cursor tells what has been mixed; the platform's buffers still hold some of it,
+    // and the device goes when the program ends, so silence runs on for a while.
+    const LONGLONG end = first + onsets.back() + data.getDataSize() / wfx.nBlockAlign +
+                         static_cast<LONGLONG>(kPlayOutSeconds * wfx.nSamplesPerSec);
     size_t next = 0;
     while (schedule.getPlayFrame() < end)
     {
