@@ -14,6 +14,7 @@ const unsigned long kShortestLeadMs = 10;
 const unsigned long kLongestLeadMs = 5000;
 const DWORD kLeadsPerBuffer = 4; // the buffer holds this many leads, and at least a second
 const DWORD kPollsPerLead = 4;
+const DWORD kStartWaitMs = 200; // for the platform's first period, which may commit several at once
 
 LONGLONG counterNow()
 {
@@ -58,7 +59,12 @@ CDirectSndSchedulety::CDirectSndSchedulety()
       m_llPlayFrame(0),
       m_llWriteCursorFrame(0),
       m_llWrittenFrame(0),
+      m_llSilencedFrame(0),
+      m_llDirtyEnd(0),
       m_llLatencyFrames(0),
+      m_llSkippedFrames(0),
+      m_dwWriteAheadFrames(0),
+      m_nLateStims(0),
       m_nextStimId(1),
       m_hStopWorker(CreateEventW(NULL, TRUE, FALSE, NULL)),
       m_pWorker(NULL)
@@ -101,18 +107,21 @@ int CDirectSndSchedulety::openSchedule(CDirectSndDevicety* pDevice, tWAVEFORMATE
     m_dwLeadFrames = static_cast<DWORD>(static_cast<ULONGLONG>(wfx.nSamplesPerSec) * ulLeadMs / 1000);
     m_dwBufferFrames = std::max<DWORD>(wfx.nSamplesPerSec, kLeadsPerBuffer * m_dwLeadFrames);
     m_dwPollMs = std::max<DWORD>(1, ulLeadMs / kPollsPerLead);
-    if (!createLoopBuffer(pDevice) || !fillWithSilence())
-    {
-        closeSchedule();
-        return 0;
-    }
-    m_hr = m_pDSBuffer->Play(0, 0, DSBPLAY_LOOPING);
-    if (m_hr != DS_OK || !startWorker())
+    forgetStims();
+    if (!createLoopBuffer(pDevice) || !fillWithSilence() || !startPlaying() || !startWorker())
     {
         closeSchedule();
         return 0;
     }
     return 1;
+}
+
+void CDirectSndSchedulety::forgetStims()
+{
+    SectionLock hold(m_lock);
+    m_settled.clear();
+    m_nLateStims = 0;
+    m_llSkippedFrames = 0;
 }
 
 int CDirectSndSchedulety::createLoopBuffer(CDirectSndDevicety* pDevice)
@@ -146,19 +155,50 @@ BYTE CDirectSndSchedulety::silenceByte() const
     return m_wfx.wBitsPerSample == 8 ? 128 : 0;
 }
 
-// The first readings are taken before the worker runs, so that the clock is known as soon
-// as the schedule is open.
+// The first reading is taken before the worker runs, so that the clock and the platform's
+// write-ahead are known as soon as the schedule is open. What lies before the write cursor
+// then is the silence the buffer was filled with, not frames skipped.
+int CDirectSndSchedulety::startPlaying()
+{
+    m_hr = m_pDSBuffer->Play(0, 0, DSBPLAY_LOOPING);
+    if (m_hr != DS_OK)
+        return 0;
+    awaitFirstPeriod();
+    SectionLock hold(m_lock);
+    m_dwLastPlayCursor = 0;
+    m_llPlayFrame = 0;
+    m_dwWriteAheadFrames = 0;
+    m_clock.restart(counterHz(), m_wfx.nSamplesPerSec, counterNow());
+    readCursor();
+    if (m_hr != DS_OK)
+        return 0;
+    if (m_dwWriteAheadFrames + m_dwLeadFrames > m_dwBufferFrames / 2)
+    {
+        m_hr = DSERR_UNSUPPORTED;
+        return 0;
+    }
+    m_llWrittenFrame = m_llWriteCursorFrame;
+    m_llSilencedFrame = m_llWriteCursorFrame;
+    m_llDirtyEnd = m_llWriteCursorFrame;
+    refill();
+    return 1;
+}
+
+// Wine's mixer, starting for the first buffer of a process, commits some 60 ms at once; a
+// stimulus at the earliest frame promised before that would be cut.
+void CDirectSndSchedulety::awaitFirstPeriod()
+{
+    for (DWORD dwWaited = 0; dwWaited < kStartWaitMs; dwWaited++)
+    {
+        DWORD dwPlay = 0;
+        if (FAILED(m_pDSBuffer->GetCurrentPosition(&dwPlay, NULL)) || dwPlay != 0)
+            return;
+        Sleep(1);
+    }
+}
+
 int CDirectSndSchedulety::startWorker()
 {
-    {
-        SectionLock hold(m_lock);
-        m_dwLastPlayCursor = 0;
-        m_llPlayFrame = 0;
-        m_llWrittenFrame = 0;
-        m_clock.restart(counterHz(), m_wfx.nSamplesPerSec, counterNow());
-        readCursor();
-        refill();
-    }
     ResetEvent(m_hStopWorker);
     m_pWorker = AfxBeginThread(workerProc, this, THREAD_PRIORITY_TIME_CRITICAL, 0, CREATE_SUSPENDED);
     if (m_pWorker == NULL)
@@ -212,6 +252,7 @@ int CDirectSndSchedulety::closeSchedule()
     m_mix.clear();
     m_llPlayFrame = 0;
     m_llWrittenFrame = 0;
+    m_dwWriteAheadFrames = 0;
     return 1;
 }
 
@@ -233,32 +274,65 @@ void CDirectSndSchedulety::readCursor()
     dwWrite %= dwBufferBytes;
     m_llPlayFrame += ((dwPlay + dwBufferBytes - m_dwLastPlayCursor) % dwBufferBytes) / m_wfx.nBlockAlign;
     m_dwLastPlayCursor = dwPlay;
-    m_llWriteCursorFrame = m_llPlayFrame + ((dwWrite + dwBufferBytes - dwPlay) % dwBufferBytes) / m_wfx.nBlockAlign;
+    const DWORD dwAhead = ((dwWrite + dwBufferBytes - dwPlay) % dwBufferBytes) / m_wfx.nBlockAlign;
+    m_dwWriteAheadFrames = std::max(m_dwWriteAheadFrames, dwAhead);
+    m_llWriteCursorFrame = m_llPlayFrame + dwAhead;
     m_clock.observe(llBefore + (llAfter - llBefore) / 2, m_llPlayFrame);
 }
 
-// Writes from the last written frame to the lead ahead of the play cursor, never behind
-// the platform's write cursor (frames there would be lost) and never over frames not yet
-// played.
+// Writes from the last written frame to the lead beyond the platform's write cursor, never
+// over frames not yet played. A write cursor past the last written frame means the worker
+// woke too late: what lies between is skipped, and nothing is ever written behind it.
 void CDirectSndSchedulety::refill()
 {
     if (m_pDSBuffer == NULL)
         return;
-    m_llWrittenFrame = std::max(m_llWrittenFrame, m_llWriteCursorFrame);
-    LONGLONG llTarget = std::max(m_llPlayFrame + m_dwLeadFrames, m_llWriteCursorFrame);
-    llTarget = std::min(llTarget, m_llPlayFrame + m_dwBufferFrames - 1);
+    if (m_llWriteCursorFrame > m_llWrittenFrame)
+        skipTo(m_llWriteCursorFrame);
+    const LONGLONG llTarget =
+        std::min(m_llWriteCursorFrame + m_dwLeadFrames, m_llPlayFrame + m_dwBufferFrames - 1);
+    silencePlayed(llTarget - m_dwBufferFrames);
     if (llTarget <= m_llWrittenFrame)
         return;
-    writeFrames(m_llWrittenFrame, static_cast<DWORD>(llTarget - m_llWrittenFrame));
+    if (!writeFrames(m_llWrittenFrame, static_cast<DWORD>(llTarget - m_llWrittenFrame), true))
+        return;
     m_llWrittenFrame = llTarget;
-    dropWrittenStims();
+    settleWrittenStims();
 }
 
-void CDirectSndSchedulety::writeFrames(LONGLONG llFirst, DWORD dwFrames)
+void CDirectSndSchedulety::skipTo(LONGLONG llFrame)
+{
+    const DWORD dwAlign = m_wfx.nBlockAlign;
+    for (Stim& stim : m_stims)
+    {
+        const LONGLONG llStimEnd = stim.llFrame + static_cast<LONGLONG>(stim.pcm.size() / dwAlign);
+        if (stim.bLate || stim.llFrame >= llFrame || llStimEnd <= m_llWrittenFrame)
+            continue;
+        stim.bLate = true;
+        m_nLateStims++;
+    }
+    m_llSkippedFrames += llFrame - m_llWrittenFrame;
+    m_llWrittenFrame = llFrame;
+}
+
+// Played frames that held a stimulus are silenced, so that frames skipped one lap later
+// play silence rather than the stimulus again. Frames from llFloor on share their place in
+// the buffer with frames about to be written, and are left to that write.
+void CDirectSndSchedulety::silencePlayed(LONGLONG llFloor)
+{
+    const LONGLONG llFrom = std::max(m_llSilencedFrame, llFloor);
+    const LONGLONG llTo = std::min(m_llPlayFrame, m_llDirtyEnd);
+    if (llTo > llFrom && !writeFrames(llFrom, static_cast<DWORD>(llTo - llFrom), false))
+        return;
+    m_llSilencedFrame = std::max(m_llSilencedFrame, m_llPlayFrame);
+}
+
+int CDirectSndSchedulety::writeFrames(LONGLONG llFirst, DWORD dwFrames, bool bMixStims)
 {
     const DWORD dwBytes = dwFrames * m_wfx.nBlockAlign;
     m_mix.assign(dwBytes, silenceByte());
-    mixStims(llFirst, dwFrames);
+    if (bMixStims && mixStims(llFirst, dwFrames))
+        m_llDirtyEnd = std::max(m_llDirtyEnd, llFirst + dwFrames);
 
     const DWORD dwOffset = static_cast<DWORD>(llFirst % m_dwBufferFrames) * m_wfx.nBlockAlign;
     void* pPart1 = NULL;
@@ -267,17 +341,20 @@ void CDirectSndSchedulety::writeFrames(LONGLONG llFirst, DWORD dwFrames)
     DWORD dwPart2 = 0;
     m_hr = m_pDSBuffer->Lock(dwOffset, dwBytes, &pPart1, &dwPart1, &pPart2, &dwPart2, 0);
     if (m_hr != DS_OK)
-        return;
+        return 0;
     std::memcpy(pPart1, m_mix.data(), std::min(dwPart1, dwBytes));
     if (pPart2 != NULL && dwPart1 < dwBytes)
         std::memcpy(pPart2, m_mix.data() + dwPart1, std::min(dwPart2, dwBytes - dwPart1));
     m_hr = m_pDSBuffer->Unlock(pPart1, dwPart1, pPart2, dwPart2);
+    return m_hr == DS_OK ? 1 : 0;
 }
 
-void CDirectSndSchedulety::mixStims(LONGLONG llFirst, DWORD dwFrames)
+// True when some stimulus sounds in these frames.
+bool CDirectSndSchedulety::mixStims(LONGLONG llFirst, DWORD dwFrames)
 {
     const LONGLONG llEnd = llFirst + dwFrames;
     const DWORD dwAlign = m_wfx.nBlockAlign;
+    bool bMixed = false;
     for (const Stim& stim : m_stims)
     {
         const LONGLONG llStimEnd = stim.llFrame + static_cast<LONGLONG>(stim.pcm.size() / dwAlign);
@@ -287,18 +364,24 @@ void CDirectSndSchedulety::mixStims(LONGLONG llFirst, DWORD dwFrames)
             continue;
         mixSaturating(m_mix.data() + (llFrom - llFirst) * dwAlign, stim.pcm.data() + (llFrom - stim.llFrame) * dwAlign,
                       static_cast<size_t>(llTo - llFrom) * dwAlign, m_wfx.wBitsPerSample);
+        bMixed = true;
     }
+    return bMixed;
 }
 
-void CDirectSndSchedulety::dropWrittenStims()
+// A stimulus written whole leaves the pending list; what became of it is kept for the host.
+void CDirectSndSchedulety::settleWrittenStims()
 {
-    const LONGLONG llWritten = m_llWrittenFrame;
     const DWORD dwAlign = m_wfx.nBlockAlign;
-    m_stims.erase(std::remove_if(m_stims.begin(), m_stims.end(),
-                                 [llWritten, dwAlign](const Stim& stim) {
-                                     return stim.llFrame + static_cast<LONGLONG>(stim.pcm.size() / dwAlign) <= llWritten;
-                                 }),
-                  m_stims.end());
+    auto written = [this, dwAlign](const Stim& stim) {
+        return stim.llFrame + static_cast<LONGLONG>(stim.pcm.size() / dwAlign) <= m_llWrittenFrame;
+    };
+    for (const Stim& stim : m_stims)
+    {
+        if (written(stim))
+            m_settled[stim.id] = stim.bLate ? kStimLate : kStimOnTime;
+    }
+    m_stims.erase(std::remove_if(m_stims.begin(), m_stims.end(), written), m_stims.end());
 }
 
 LONGLONG CDirectSndSchedulety::getPlayFrame()
@@ -311,6 +394,8 @@ LONGLONG CDirectSndSchedulety::getPlayFrame()
 LONGLONG CDirectSndSchedulety::getEarliestFrame()
 {
     SectionLock hold(m_lock);
+    readCursor();
+    refill();
     return m_llWrittenFrame;
 }
 
@@ -327,6 +412,8 @@ int CDirectSndSchedulety::scheduleStim(CSndDatatyx* pData, LONGLONG llFrame)
         m_hr = DSERR_UNINITIALIZED;
         return 0;
     }
+    readCursor();
+    refill();
     if (!isSoundFormatSame(pData->getAudioWaveDataWfx(), m_wfx) || llFrame < m_llWrittenFrame)
     {
         m_hr = DSERR_INVALIDPARAM;
@@ -336,7 +423,7 @@ int CDirectSndSchedulety::scheduleStim(CSndDatatyx* pData, LONGLONG llFrame)
     const BYTE* pFirst = reinterpret_cast<const BYTE*>(pData->getDataPointer());
     const int id = m_nextStimId;
     m_nextStimId = id == INT_MAX ? 1 : id + 1;
-    m_stims.push_back({id, llFrame, std::vector<BYTE>(pFirst, pFirst + ulBytes)});
+    m_stims.push_back({id, llFrame, std::vector<BYTE>(pFirst, pFirst + ulBytes), false});
     m_hr = DS_OK;
     return id;
 }
@@ -350,6 +437,42 @@ int CDirectSndSchedulety::cancelStim(int id)
         return 0;
     m_stims.erase(found);
     return 1;
+}
+
+CDirectSndSchedulety::StimState CDirectSndSchedulety::getStimState(int id)
+{
+    SectionLock hold(m_lock);
+    for (const Stim& stim : m_stims)
+    {
+        if (stim.id == id)
+            return kStimPending;
+    }
+    const auto settled = m_settled.find(id);
+    return settled == m_settled.end() ? kStimUnknown : settled->second;
+}
+
+int CDirectSndSchedulety::getLateStimCount()
+{
+    SectionLock hold(m_lock);
+    return m_nLateStims;
+}
+
+LONGLONG CDirectSndSchedulety::getSkippedFrames()
+{
+    SectionLock hold(m_lock);
+    return m_llSkippedFrames;
+}
+
+DWORD CDirectSndSchedulety::getWriteAheadFrames()
+{
+    SectionLock hold(m_lock);
+    return m_dwWriteAheadFrames;
+}
+
+DWORD CDirectSndSchedulety::getEffectiveLeadFrames()
+{
+    SectionLock hold(m_lock);
+    return m_pDSBuffer == NULL ? 0 : m_dwWriteAheadFrames + m_dwLeadFrames;
 }
 
 LONGLONG CDirectSndSchedulety::timeToFrame(LONGLONG llCounter)

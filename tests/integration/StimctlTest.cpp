@@ -99,7 +99,7 @@ TEST_F(Stimctl, HelpsAndRefusesWithOneLineAndItsStatus)
         {L"--help", 0, "usage: stimctl COMMAND"},       {L"devices --help", 0, "usage: stimctl devices"},
         {L"caps --help", 0, "usage: stimctl caps"},     {L"play --help", 0, "usage: stimctl play"},
         {L"tone --help", 0, "usage: stimctl tone"},     {L"record --help", 0, "usage: stimctl record"},
-        {L"playrec --help", 0, "usage: stimctl playrec"},
+        {L"playrec --help", 0, "usage: stimctl playrec"}, {L"train --help", 0, "usage: stimctl train"},
         {L"", 2, "no command"},
         {L"frobnicate", 2, "unknown command \"frobnicate\""},
         {L"play", 2, "no wave file"},
@@ -252,6 +252,36 @@ TEST_F(Stimctl, RecordWhileATonePlaysWritesItToAValidWaveFile)
         EXPECT_NEAR(dominantFrequency(steady, 0, kRate), 1000.0, 5.0);
         EXPECT_NEAR(rmsDbfs(steady, 1), -6.0, 3.0);
     }
+}
+
+// A train at the shortest lead: the lead in effect is the platform's write-ahead and the lead
+// asked for, every burst is heard, none is reported late.
+TEST_F(Stimctl, TrainAtTheShortestLeadIsHeardAndOnTime)
+{
+    writeWave(folder + L"burst.wav", sineTone(1000.0, -6.0, 0.1, kRate, ToneChannels::Both), 2, 16);
+    const Outcome outcome = hear(L"train {burst} --every 300 --count 4 --lead 10");
+    ASSERT_EQ(outcome.status, 0u) << outcome.out << outcome.err;
+    const size_t at = outcome.out.find("write-ahead ");
+    ASSERT_NE(at, std::string::npos) << outcome.out;
+    unsigned long ahead = 0, lead = 0;
+    ASSERT_EQ(std::sscanf(outcome.out.c_str() + at, "write-ahead %lu frames (%*f ms), lead in effect %lu", &ahead,
+                          &lead), 2) << outcome.out;
+    EXPECT_EQ(lead, ahead + kRate / 100);
+    EXPECT_EQ(outcome.out.find("late"), std::string::npos) << outcome.out;
+    // Runs of loud 10 ms windows: one per burst, each over its whole length.
+    std::vector<int> runs;
+    bool loud = false;
+    for (double dbfs : rmsSeries(view(heard, 2), 0, kRate / 100))
+    {
+        if (dbfs > -30.0 && !loud)
+            runs.push_back(0);
+        loud = dbfs > -30.0;
+        if (loud)
+            runs.back()++;
+    }
+    EXPECT_EQ(runs.size(), 4u);
+    for (int windows : runs)
+        EXPECT_GE(windows, 10) << "a burst of 100 ms was cut";
 }
 
 // Recording by size keeps whole frames; playrec reports what it heard and keeps it.

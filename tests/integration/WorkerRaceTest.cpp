@@ -1,6 +1,7 @@
 // The library's workers against the host's thread on Wine, by repetition: a moving source
 // stopped, released and reloaded, or destroyed while its motion runs; a streamed play and a
-// streamed recording stopped at every moment from before their first refill on. No round may
+// streamed recording stopped at every moment from before their first refill on; a schedule
+// closed or destroyed with stimuli pending, at leads from the shortest up. No round may
 // crash or hang, and the process holds no more handles at the end than after the first rounds.
 
 #include "Loopback.h"
@@ -146,5 +147,22 @@ TEST_F(WorkerRace, StreamedRecordingStoppedAtAnyMoment)
         EXPECT_FALSE(writer.IsOpen()) << round;
     });
     DeleteFileW(path.c_str());
+    EXPECT_TRUE(shownMessages().empty());
+}
+
+TEST_F(WorkerRace, ScheduleClosedOrDestroyedWithStimuliPending)
+{
+    loadTone(1000, 0.05, ToneChannels::Both);
+    repeat([this](int round) {
+        auto schedule = std::make_unique<CDirectSndSchedulety>();
+        ASSERT_EQ(1, schedule->openSchedule(&device, data.getAudioWaveDataWfx(), 10 + 10 * (round % 5))) << round;
+        const LONGLONG first = schedule->getEarliestFrame();
+        for (LONGLONG k = 0; k < 4; k++)
+            ASSERT_GT(schedule->scheduleStim(&data, first + k * kRate / 50), 0) << round;
+        waitSomeFor(round);
+        if (round % 2)
+            schedule->closeSchedule();
+        schedule.reset();
+    });
     EXPECT_TRUE(shownMessages().empty());
 }

@@ -1,6 +1,7 @@
-// The scheduler through the tap, with the play cursor in the test's hands: stimuli mixed at
-// their frames (overlapping ones clipped, one across the buffer's end), frames counted across
-// wraps, refusals, cancelling, clean-up; and the counter-to-frame mapping on its own.
+// The scheduler through the tap, with the cursors in the test's hands: stimuli mixed at their
+// frames (overlapping ones clipped, one across the buffer's end), frames counted across wraps,
+// the lead kept beyond a write cursor that runs ahead, a late wake-up counted and reported,
+// refusals, cancelling, clean-up; and the counter-to-frame mapping on its own.
 
 #include "UnitFixtures.h"
 #include "schedule/StreamClockty.h"
@@ -29,27 +30,28 @@ protected:
         openDevice();
         bringLevel(device, DSSCL_PRIORITY);
         tap.answer("IDirectSoundBuffer::GetCurrentPosition", [this](const dstap::Call& call) {
-            for (size_t k = 0; k < 2; k++) // play and write cursor
-                if (DWORD* cursor = call.out<DWORD>(k))
-                    *cursor = playCursor;
+            if (DWORD* play = call.out<DWORD>(0))
+                *play = playCursor;
+            if (DWORD* write = call.out<DWORD>(1))
+                *write = (playCursor + 2 * writeAhead) % (2 * kBufferFrames);
             return DS_OK;
         });
         heldBefore = tap.liveObjects();
     }
 
     // Moves the play cursor to a stream frame in steps shorter than the lead, as a real
-    // cursor moves, each read by the schedule and refilled ahead of by its worker.
-    void playUntil(LONGLONG frame)
+    // cursor moves; the earliest frame must stand the lead beyond the write cursor each time.
+    void playUntil(LONGLONG frame, LONGLONG leadFrames = kLeadFrames)
     {
         for (LONGLONG at = schedule.getPlayFrame(); at < frame;) {
-            at = std::min(frame, at + kLeadFrames / 2);
-            playCursor = static_cast<DWORD>(at % kBufferFrames) * 2;
+            at = std::min(frame, at + leadFrames / 2);
+            moveTo(at);
             ASSERT_EQ(at, schedule.getPlayFrame());
-            for (int waited = 0; schedule.getEarliestFrame() < at + kLeadFrames && waited < 2000; waited++)
-                Sleep(1);
-            ASSERT_EQ(at + kLeadFrames, schedule.getEarliestFrame());
+            ASSERT_EQ(at + writeAhead + leadFrames, schedule.getEarliestFrame());
         }
     }
+
+    void moveTo(LONGLONG frame) { playCursor = static_cast<DWORD>(frame % kBufferFrames) * 2; }
 
     int scheduleConstant(short value, size_t frames, LONGLONG at)
     {
@@ -69,6 +71,7 @@ protected:
 
     TestSchedule schedule;
     std::atomic<DWORD> playCursor{0};
+    std::atomic<DWORD> writeAhead{0}; // frames the write cursor runs ahead of the play cursor
     int heldBefore = 0;
 };
 }
@@ -83,18 +86,76 @@ TEST_F(ScheduleTest, MixesStimuliAtTheirFramesAcrossTheBufferEnd)
     EXPECT_GT(first, 0);
     EXPECT_GT(scheduleConstant(32000, 100, 1050), first); // overlaps the first by 50 frames
     EXPECT_GT(scheduleConstant(-5, 200, kBufferFrames - 100), 0);
-    playUntil(kBufferFrames + 300);
-    EXPECT_EQ(kBufferFrames + 300, schedule.getPlayFrame());
 
     struct Expected
     {
         DWORD bufferFrame;
         short value;
-    } const expected[] = {{999, 0},     {1000, 1000},  {1049, 1000},   {1050, 32767}, {1099, 32767}, {1100, 32000},
-                          {1149, 32000}, {1150, 0},    {7899, 0},      {7900, -5},    {7999, -5},    {0, -5},
-                          {99, -5},      {100, 0}};
-    for (const Expected& row : expected)
-        EXPECT_EQ(row.value, sampleAt(row.bufferFrame)) << "buffer frame " << row.bufferFrame;
+    };
+    auto expectSamples = [this](std::initializer_list<Expected> rows) {
+        for (const Expected& row : rows)
+            EXPECT_EQ(row.value, sampleAt(row.bufferFrame)) << "buffer frame " << row.bufferFrame;
+    };
+    playUntil(900); // written, not yet played
+    expectSamples({{999, 0}, {1000, 1000}, {1049, 1000}, {1050, 32767}, {1099, 32767}, {1100, 32000}, {1149, 32000},
+                   {1150, 0}});
+    playUntil(kBufferFrames - 200);
+    expectSamples({{7899, 0}, {7900, -5}, {7999, -5}, {0, -5}, {99, -5}, {100, 0}});
+    playUntil(kBufferFrames + 300);
+    EXPECT_EQ(kBufferFrames + 300, schedule.getPlayFrame());
+    // Played stimuli are silenced, so a lap skipped later cannot sound them again.
+    expectSamples({{1000, 0}, {1149, 0}, {7900, 0}});
+}
+
+// A write cursor 30 ms ahead of the play cursor and a 10 ms lead: every stimulus asked for at
+// the earliest frame is written whole, at its frame, beyond what the platform has committed.
+TEST_F(ScheduleTest, KeepsTheLeadBeyondAWriteCursorThatRunsAhead)
+{
+    const LONGLONG leadFrames = kRate * 10 / 1000;
+    writeAhead = kRate * 30 / 1000;
+    ASSERT_EQ(1, schedule.openSchedule(&device, pcmFormat(1, kRate, 16), 10));
+    EXPECT_EQ(writeAhead, schedule.getWriteAheadFrames());
+    EXPECT_EQ(writeAhead + leadFrames, schedule.getEffectiveLeadFrames());
+
+    for (short k = 1; k <= 5; k++) {
+        const LONGLONG at = schedule.getEarliestFrame();
+        const int id = scheduleConstant(k, 20, at);
+        ASSERT_GT(id, 0);
+        playUntil(schedule.getPlayFrame() + leadFrames / 2, leadFrames); // written, not yet played
+        EXPECT_EQ(CDirectSndSchedulety::kStimOnTime, schedule.getStimState(id)) << k;
+        const DWORD frame = static_cast<DWORD>(at % kBufferFrames);
+        EXPECT_EQ(0, sampleAt(frame - 1)) << k;
+        EXPECT_EQ(k, sampleAt(frame)) << k;
+        playUntil(schedule.getPlayFrame() + 2 * writeAhead, leadFrames);
+    }
+    EXPECT_EQ(0, schedule.getSkippedFrames());
+    EXPECT_EQ(0, schedule.getLateStimCount());
+}
+
+// The cursors jump past what was written, as after a worker that woke too late: the frames in
+// between are counted, the stimulus that fell there is reported late and what remained of it
+// still plays, and the next one lands where it was asked for.
+TEST_F(ScheduleTest, ALateWakeUpIsCountedAndItsStimulusReportedLate)
+{
+    ASSERT_EQ(1, schedule.openSchedule(&device, pcmFormat(1, kRate, 16), kLeadMs));
+    const int lost = scheduleConstant(700, 100, 600);
+    const int next = scheduleConstant(900, 100, 2000);
+    EXPECT_EQ(CDirectSndSchedulety::kStimPending, schedule.getStimState(lost));
+
+    moveTo(650); // the write cursor too: frames 400 to 650 were never written
+    EXPECT_EQ(650 + kLeadFrames, schedule.getEarliestFrame());
+    EXPECT_EQ(250, schedule.getSkippedFrames());
+    EXPECT_EQ(CDirectSndSchedulety::kStimLate, schedule.getStimState(lost));
+    EXPECT_EQ(1, schedule.getLateStimCount());
+    EXPECT_EQ(0, sampleAt(649));
+    EXPECT_EQ(700, sampleAt(650));
+
+    playUntil(1900);
+    EXPECT_EQ(CDirectSndSchedulety::kStimOnTime, schedule.getStimState(next));
+    EXPECT_EQ(0, sampleAt(1999));
+    EXPECT_EQ(900, sampleAt(2000));
+    EXPECT_EQ(250, schedule.getSkippedFrames());
+    EXPECT_EQ(CDirectSndSchedulety::kStimUnknown, schedule.getStimState(next + 1));
 }
 
 TEST_F(ScheduleTest, RefusesWhatCannotPlayAsAskedAndCancelsWhatIsPending)
@@ -112,8 +173,9 @@ TEST_F(ScheduleTest, RefusesWhatCannotPlayAsAskedAndCancelsWhatIsPending)
     EXPECT_EQ(1, schedule.cancelStim(cancelled));
     EXPECT_EQ(0, schedule.cancelStim(cancelled));
     EXPECT_GT(scheduleConstant(3000, 50, earliest), 0); // at the earliest frame exactly
-    playUntil(2100);
+    playUntil(200);
     EXPECT_EQ(3000, sampleAt(static_cast<DWORD>(earliest)));
+    playUntil(1700);
     EXPECT_EQ(0, sampleAt(2000));
     EXPECT_GT(scheduleConstant(1, 1000, 5000), 0); // pending when the schedule closes
 }
@@ -129,6 +191,11 @@ TEST_F(ScheduleTest, OpeningRefusesBadRequestsAndClosingReleasesEverything)
     tap.failNext("IDirectSoundBuffer::Play", DSERR_BUFFERLOST);
     EXPECT_EQ(0, schedule.openSchedule(&device, pcmFormat(1, kRate, 16), kLeadMs));
     EXPECT_EQ(heldBefore, tap.liveObjects()) << tap.leakReport();
+    writeAhead = kBufferFrames / 2; // a lead beyond it would not fit in half the buffer
+    EXPECT_EQ(0, schedule.openSchedule(&device, pcmFormat(1, kRate, 16), kLeadMs));
+    EXPECT_EQ(DSERR_UNSUPPORTED, schedule.getLastResult());
+    EXPECT_EQ(heldBefore, tap.liveObjects()) << tap.leakReport();
+    writeAhead = 0;
 
     ASSERT_EQ(1, schedule.openSchedule(&device, pcmFormat(1, kRate, 8), kLeadMs));
     ASSERT_EQ(1, schedule.openSchedule(&device, pcmFormat(1, kRate, 16), kLeadMs)); // reopening replaces

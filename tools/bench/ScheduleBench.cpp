@@ -6,23 +6,22 @@
 // ahead of the play cursor the earliest schedulable frame stays, and the scheduler's
 // processor time.
 
-#include "DirectSndty.h"
+#include "BurstTrain.h"
 #include "LoopbackRecorder.h"
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <random>
 #include <vector>
 
 using dsty_test::LoopbackRecorder;
+using namespace dsty_bench;
 
 namespace
 {
-const unsigned kRate = 44100;
+const unsigned kRate = kBurstRate;
 const size_t kStimuli = 100;
-const size_t kBurstFrames = 441;
-const tWAVEFORMATEX kFormat = {WAVE_FORMAT_PCM, 2, kRate, 4 * kRate, 4, 16, 0};
+const tWAVEFORMATEX kFormat = kBurstFormat;
 
 LONGLONG counterNow()
 {
@@ -48,42 +47,13 @@ double processCpuSeconds()
     return seconds(kernel) + seconds(user);
 }
 
-// A 10 ms square burst that starts at full strength, so its first frame stands out.
-void makeBurst(CSndDatatyx& burst)
-{
-    std::vector<short> pcm;
-    for (size_t k = 0; k < kBurstFrames; k++)
-    {
-        const short sample = (k / 22) % 2 == 0 ? 16000 : -16000;
-        pcm.push_back(sample);
-        pcm.push_back(sample);
-    }
-    burst.setNewSndData(reinterpret_cast<const char*>(pcm.data()), static_cast<unsigned long>(pcm.size() * 2),
-                        kFormat);
-}
-
 // Planned onsets in counter ticks from the train's start.
 std::vector<LONGLONG> planTrain()
 {
-    std::mt19937 random(20261122);
-    std::uniform_int_distribution<int> spacingMs(150, 350);
     std::vector<LONGLONG> ticks(1, 0);
-    while (ticks.size() < kStimuli)
-        ticks.push_back(ticks.back() + static_cast<LONGLONG>(spacingMs(random) * counterHz() / 1000.0));
+    for (int spacingMs : randomSpacingsMs(kStimuli - 1))
+        ticks.push_back(ticks.back() + static_cast<LONGLONG>(spacingMs * counterHz() / 1000.0));
     return ticks;
-}
-
-std::vector<long long> heardOnsets(const std::vector<short>& recorded)
-{
-    std::vector<long long> onsets;
-    for (size_t frame = 0; frame < recorded.size() / 2; frame++)
-    {
-        if (std::abs(recorded[2 * frame]) < 4000)
-            continue;
-        onsets.push_back(static_cast<long long>(frame));
-        frame += 2 * kBurstFrames;
-    }
-    return onsets;
 }
 
 double mean(const std::vector<double>& values)
@@ -275,7 +245,7 @@ int main(int argc, char** argv)
     std::printf("100 bursts at random spacings of 150 to 350 ms, asked for at performance-counter times, lead %lu ms\n",
                 leadMs);
     CSndDatatyx burst;
-    makeBurst(burst);
+    makeBurst(burst, false);
     const std::vector<LONGLONG> plan = planTrain();
     scheduledTrain(device, burst, plan, leadMs);
     playedTrain(device, burst, plan);

@@ -1,5 +1,6 @@
 // stimctl train: a train of stimuli placed on the output stream by the scheduler, each onset
-// planned to the frame and printed before it plays.
+// planned to the frame and printed before it plays; any stimulus the platform got too late is
+// named at the end, and the run then fails.
 
 #include "Arguments.h"
 #include "Commands.h"
@@ -15,10 +16,13 @@ const char kUsage[] =
     "usage: stimctl train FILE.wav --every MS --count N [--jitter MS] [--lead MS]\n"
     "Plays the wave file N times (1 to 100000), onsets MS apart (1 to 600000), each spacing\n"
     "varied at random by up to +-JITTER ms, placed to the frame on a running output stream.\n"
-    "Prints each planned onset as a stream frame and in seconds from the first.\n"
-    "  --lead MS  how far ahead of the play cursor the stream is written (10 to 5000, default 50)";
+    "Prints the platform's write-ahead and the lead in effect, then each planned onset as a\n"
+    "stream frame and in seconds from the first; exits 1 when a stimulus was late (cut or lost).\n"
+    "  --lead MS  how far beyond the platform's write cursor the stream is written\n"
+    "             (10 to 5000, default 50)";
 
 const double kPlanAheadSeconds = 1.0; // stimuli are handed to the scheduler this far ahead
+const double kPlayOutSeconds = 0.2;   // the stream runs on this long after the last stimulus
 
 struct TrainRequest
 {
@@ -60,31 +64,77 @@ std::vector<LONGLONG> planOnsets(const TrainRequest& request, unsigned long rate
     return onsets;
 }
 
+double framesToMs(LONGLONG frames, unsigned long rate)
+{
+    return 1000.0 * static_cast<double>(frames) / rate;
+}
+
+void sayLatency(CDirectSndSchedulety& schedule, unsigned long rate)
+{
+    const DWORD ahead = schedule.getWriteAheadFrames();
+    const DWORD lead = schedule.getEffectiveLeadFrames();
+    say("write-ahead %lu frames (%.1f ms), lead in effect %lu frames (%.1f ms) ahead of the play cursor",
+        static_cast<unsigned long>(ahead), framesToMs(ahead, rate), static_cast<unsigned long>(lead),
+        framesToMs(lead, rate));
+}
+
+// Names every stimulus not written whole and on time, and the frames skipped, which may have
+// fallen between stimuli; kExitFailed when a stimulus was late.
+int reportLateness(CDirectSndSchedulety& schedule, const std::vector<int>& ids, unsigned long rate)
+{
+    for (size_t k = 0; k < ids.size(); k++)
+    {
+        if (schedule.getStimState(ids[k]) != CDirectSndSchedulety::kStimOnTime)
+            say("stimulus %zu was late: cut or lost", k + 1);
+    }
+    const LONGLONG skipped = schedule.getSkippedFrames();
+    if (skipped > 0)
+        say("%lld frames (%.1f ms) of the stream were not written in time", static_cast<long long>(skipped),
+            framesToMs(skipped, rate));
+    const int late = schedule.getLateStimCount();
+    if (late == 0)
+        return kExitOk;
+    return failRun("train", std::to_string(late) + " of " + std::to_string(ids.size()) + " stimuli late");
+}
+
 int playTrain(const TrainRequest& request, CSndDatatyx& data, CDirectSndDevicety& device)
 {
     const tWAVEFORMATEX wfx = data.getAudioWaveDataWfx();
     CDirectSndSchedulety schedule;
     if (!schedule.openSchedule(&device, wfx, request.leadMs))
+    {
+        if (schedule.getLastResult() == DSERR_UNSUPPORTED)
+            return failRun("train", "the platform writes too far ahead to keep a lead of " +
+                                        std::to_string(request.leadMs) + " ms");
         return failRun("train", "the output stream could not be started");
+    }
+    sayLatency(schedule, wfx.nSamplesPerSec);
     const std::vector<LONGLONG> onsets = planOnsets(request, wfx.nSamplesPerSec);
+    std::vector<int> ids;
     const LONGLONG first = schedule.getEarliestFrame() + wfx.nSamplesPerSec / 10;
     const LONGLONG planAhead = static_cast<LONGLONG>(kPlanAheadSeconds * wfx.nSamplesPerSec);
-    const LONGLONG end = first + onsets.back() + data.getDataSize() / wfx.nBlockAlign;
+    // The play cursor tells what has been mixed; the platform's buffers still hold some of it,
+    // and the device goes when the program ends, so silence runs on for a while.
+    const LONGLONG end = first + onsets.back() + data.getDataSize() / wfx.nBlockAlign +
+                         static_cast<LONGLONG>(kPlayOutSeconds * wfx.nSamplesPerSec);
     size_t next = 0;
     while (schedule.getPlayFrame() < end)
     {
         for (; next < onsets.size() && first + onsets[next] < schedule.getPlayFrame() + planAhead; next++)
         {
-            if (!schedule.scheduleStim(&data, first + onsets[next]))
+            const int id = schedule.scheduleStim(&data, first + onsets[next]);
+            if (id == 0)
                 return failRun("train", "stimulus " + std::to_string(next + 1) + " came too late to place");
+            ids.push_back(id);
             say("onset %zu: frame %lld, %.6f s", next + 1, static_cast<long long>(first + onsets[next]),
                 static_cast<double>(onsets[next]) / wfx.nSamplesPerSec);
         }
         Sleep(20);
     }
+    const int result = reportLateness(schedule, ids, wfx.nSamplesPerSec);
     schedule.closeSchedule();
     say("played %lu stimuli", request.count);
-    return kExitOk;
+    return result;
 }
 }
 
