@@ -4,6 +4,7 @@
 // "Setup stream" closing the first file, and replacement mid-recording.
 
 #include "UiTestSupport.h"
+#include "SndWaveWriteStreamty.h"
 
 #include <cstdio>
 #include <cstring>
