@@ -197,14 +197,15 @@ TEST(StreamWriter, APieceCutShortByAFullDiskIsCountedAsFarAsItReached)
 }
 
 // An RF64 file must open with its ds64 chunk, whose sizes stand for the 32-bit fields of
-// 0xFFFFFFFF; a ds64 data size beyond the file is clipped like any other.
+// 0xFFFFFFFF (the LIST chunk after the data is no sound); a ds64 data size beyond the file is
+// clipped like any other.
 TEST(RiffWalk, Rf64SizesComeFromTheDs64Chunk)
 {
     auto rf64 = [](uint64_t dataSize, const Bytes& data, bool withDs64) {
         Bytes ds64(28, 0);
         std::memcpy(&ds64[8], &dataSize, 8);
         Bytes file = riff({chunk(withDs64 ? "ds64" : "JUNK", ds64), chunk("fmt ", fmtBody(1, 8000, 8)),
-                           chunk("data", data)});
+                           chunk("data", data), chunk("LIST", {'I', 'N', 'F', 'O'})});
         std::memcpy(file.data(), "RF64", 4);
         putLe32(file, 4, 0xFFFFFFFFu);
         putLe32(file, 12 + 36 + 24 + 4, 0xFFFFFFFFu);
