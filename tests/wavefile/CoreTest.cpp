@@ -215,7 +215,7 @@ TEST(RiffWalk, Rf64SizesComeFromTheDs64Chunk)
     WaveLayout layout;
     EXPECT_EQ(10, readableData(rf64(10, data, true), layout));
     EXPECT_TRUE(layout.rf64);
-    EXPECT_EQ(10, readableData(rf64(1ull << 33, data, true), layout));
+    EXPECT_EQ(10 + 12, readableData(rf64(1ull << 33, data, true), layout)); // to the end of the file
     EXPECT_TRUE(layout.clipped);
     EXPECT_EQ(-1, readableData(rf64(10, data, false), layout));
     Bytes cut = rf64(10, data, true);
