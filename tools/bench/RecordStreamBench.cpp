@@ -10,7 +10,7 @@
 // stall, the tail the stop wrote after the last position, the worker's processor time and
 // the private bytes; then what refreshing the header after every write costs, against plain
 // writes of the same pieces; then, with --rf64, a file written past 4 GiB, left for sox.
-// Usage: dsty_bench_record [SECONDS] [--rf64 FILE]   (default 600 s)
+// Usage: dsty_bench_record [SECONDS] | --refresh | --rf64 FILE   (default 600 s)
 
 #include "BenchSupport.h"
 #include "DirectSndty.h"
@@ -308,6 +308,27 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
 }
 }
 
+// The writer puts the file on disk once a second: what that costs, after a second of sound.
+void flushCost(const std::wstring& path, int seconds)
+{
+    std::vector<unsigned char> second(markedFormat().nAvgBytesPerSec, 0x22);
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, NULL);
+    double flushing = 0.0, most = 0.0;
+    for (int k = 0; k < seconds; k++)
+    {
+        DWORD put = 0;
+        WriteFile(file, second.data(), static_cast<DWORD>(second.size()), &put, NULL);
+        const double start = nowSeconds();
+        FlushFileBuffers(file);
+        const double took = nowSeconds() - start;
+        flushing += took;
+        most = took > most ? took : most;
+    }
+    CloseHandle(file);
+    std::printf("putting each second of sound on disk: %.3f ms on average, %.3f ms at most, over %d seconds\n",
+                1000.0 * flushing / seconds, 1000.0 * most, seconds);
+}
+
 // Seconds spent writing `pieces` half-second pieces through the writer, whose header is
 // refreshed after each, and through plain writes of the same file.
 void refreshCost(const std::wstring& path, int pieces)
@@ -336,6 +357,7 @@ void refreshCost(const std::wstring& path, int pieces)
     std::printf("header refresh: %d half-second pieces written twice: %.3f s through the writer, %.3f s plainly;"
                 " %.3f ms per second of sound\n",
                 pieces, writerSeconds, plainSeconds, 1000.0 * (writerSeconds - plainSeconds) / audioSeconds);
+    flushCost(path, 30);
     DeleteFileW(path.c_str());
 }
 
@@ -367,6 +389,11 @@ void writePast4GiB(const std::wstring& path)
 int main(int argc, char** argv)
 {
     AfxSetMessageBoxAnswerer(printMessage);
+    if (argc > 1 && std::string(argv[1]) == "--refresh")
+    {
+        refreshCost(L"bench-refresh.wav", 600);
+        return 0;
+    }
     if (argc > 2 && std::string(argv[1]) == "--rf64")
     {
         const std::string name = argv[2];
