@@ -5,12 +5,13 @@
 IDirectSoundCapture* CDSndCapturety::m_lpDSndCpt = NULL;
 
 CDSndCapturety::CDSndCapturety()
+    : m_pDSndCptMade(NULL)
 {
     ZeroMemory(&m_dsccaps, sizeof(m_dsccaps));
 }
 
-// Any capture instance going away takes the shared device object with it; the next
-// operation that needs it makes it again.
+// A capture instance going away lets go of the device object it made; the next operation
+// that needs one makes it again.
 CDSndCapturety::~CDSndCapturety()
 {
     _freeDSndCpt();
@@ -18,20 +19,36 @@ CDSndCapturety::~CDSndCapturety()
 
 int CDSndCapturety::_freeDSndCpt()
 {
-    releaseInterface(m_lpDSndCpt);
+    if (m_pDSndCptMade == NULL)
+        return 1;
+    if (m_lpDSndCpt == m_pDSndCptMade)
+        releaseInterface(m_lpDSndCpt);
+    releaseInterface(m_pDSndCptMade);
     return 1;
 }
 
+// The new object becomes the current one; the one before lives on for the recorder that made
+// it, which holds its own reference.
 int CDSndCapturety::createDSndCaptureObject(GUID* pGuidDevice)
 {
     _freeDSndCpt();
     IDirectSoundCapture8* pCapture = NULL;
     m_hr = DSndPlatform::createCapture8(pGuidDevice, &pCapture, NULL);
+    if (FAILED(m_hr) || pCapture == NULL)
+    {
+        releaseInterface(pCapture);
+        return 0;
+    }
+    releaseInterface(m_lpDSndCpt);
     m_lpDSndCpt = pCapture;
-    if (SUCCEEDED(m_hr) && m_lpDSndCpt != NULL)
-        return 1;
-    _freeDSndCpt();
-    return 0;
+    pCapture->AddRef();
+    m_pDSndCptMade = pCapture;
+    return 1;
+}
+
+IDirectSoundCapture* CDSndCapturety::captureDevice() const
+{
+    return m_pDSndCptMade != NULL ? m_pDSndCptMade : m_lpDSndCpt;
 }
 
 DSCCAPS CDSndCapturety::getDSndCptCap()

@@ -90,14 +90,15 @@ int CDSndCapturety1Buff::createDSndCptBuff(tWAVEFORMATEX wfx, unsigned long ulBy
     m_dscbd.lpwfxFormat = reinterpret_cast<LPWAVEFORMATEX>(&m_wfxCurrent);
     _freeDSndCptBuff();
 
-    if (m_lpDSndCpt == NULL)
+    IDirectSoundCapture* pDevice = captureDevice();
+    if (pDevice == NULL)
     {
         m_hr = DSERR_UNINITIALIZED;
     }
     else
     {
         IDirectSoundCaptureBuffer* pFirst = NULL;
-        m_hr = m_lpDSndCpt->CreateCaptureBuffer(&m_dscbd, &pFirst, NULL);
+        m_hr = pDevice->CreateCaptureBuffer(&m_dscbd, &pFirst, NULL);
         if (SUCCEEDED(m_hr))
         {
             m_hr = pFirst->QueryInterface(IID_IDirectSoundCaptureBuffer8, reinterpret_cast<void**>(&m_pDSCBuffer));

@@ -79,9 +79,12 @@ unsigned long CDSndCapturety4RecordPro::getNewRecordDataSize()
     return ulNew;
 }
 
+// A capture started without looping stops by itself once its buffer is full and signals
+// the stop event; what it captured is copied after that, so the recording is the host's
+// until recordStop, whatever the platform's status says.
 int CDSndCapturety4RecordPro::isRecording()
 {
-    return m_bCapturing && isDSCBcapturing();
+    return m_bCapturing && m_pDSCBuffer != NULL;
 }
 
 // The stop event is polled once per outstanding position, as it has always been.
@@ -116,16 +119,22 @@ unsigned long CDSndCapturety4RecordPro::copyRegion(const void* pRegion, unsigned
 }
 
 // The capture runs once over its buffer, so the read position only grows; what lies
-// beyond the buffer's end is never asked for.
+// beyond the buffer's end is never asked for. A buffer that has stopped by itself is full,
+// wherever the platform then puts its read position.
 int CDSndCapturety4RecordPro::copydata2Buffer()
 {
     if (!isRecording())
+        return 0;
+    DWORD dwStatus = 0;
+    m_hr = m_pDSCBuffer->GetStatus(&dwStatus);
+    if (FAILED(m_hr))
         return 0;
     unsigned long ulCapturePosition = 0;
     unsigned long ulPlatformRead = 0;
     if (!getDSBCposition(&ulCapturePosition, &ulPlatformRead))
         return 0;
-    unsigned long ulEnd = ulPlatformRead < m_dscbd.dwBufferBytes ? ulPlatformRead : m_dscbd.dwBufferBytes;
+    const bool bFull = (dwStatus & DSCBSTATUS_CAPTURING) == 0 || ulPlatformRead > m_dscbd.dwBufferBytes;
+    unsigned long ulEnd = bFull ? m_dscbd.dwBufferBytes : ulPlatformRead;
     unsigned long ulNew = ulEnd > m_ulReadPosition ? wholeBlocks(ulEnd - m_ulReadPosition, m_wfxCurrent.nBlockAlign) : 0;
     if (ulNew == 0)
         return refuse(_T("No data for copying"));

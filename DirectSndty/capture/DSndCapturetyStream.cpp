@@ -2,11 +2,36 @@
 #include "SndWaveWriteStreamty.h"
 #include "../foundation/ComRelease.h"
 #include "../foundation/SectionLock.h"
+#include "../platform/DirectSoundSeam.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace
+{
+const unsigned long kSilencePiece = 65536;
+
+// How the writer's reason reads as a platform result.
+HRESULT writeFailureResult(WaveFileResult result)
+{
+    switch (result)
+    {
+    case WAVEFILE_ERR_TOO_LARGE: return HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE);
+    case WAVEFILE_ERR_NOT_OPEN: return HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
+    default: return HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
+    }
+}
+}
 
 CDSndCapturetyStream::CDSndCapturetyStream()
     : m_pSndWaveWriteStream(NULL),
-      m_ulStreamBytesWritten(0),
-      m_ulStreamOffset(0)
+      m_ullStreamBytesWritten(0),
+      m_ulStreamOffset(0),
+      m_ullLostBytes(0),
+      m_dwTakenAtMs(0),
+      m_hrStream(S_OK),
+      m_streamWriteResult(WAVEFILE_OK)
 {
     ZeroMemory(m_streamNotify, sizeof(m_streamNotify));
     ZeroMemory(m_hStreamEvent, sizeof(m_hStreamEvent));
@@ -55,7 +80,7 @@ int CDSndCapturetyStream::initCapture2stream(tWAVEFORMATEX wfx, unsigned long ul
     unsigned long ulHalf = wfx.nBlockAlign == 0 ? 0 : ulBytes / 2 - (ulBytes / 2) % wfx.nBlockAlign;
     if (!createDSndCptBuff(wfx, 2 * ulHalf, 0))
         return 0;
-    m_ulStreamBytesWritten = 0;
+    m_ullStreamBytesWritten = 0;
     m_ulStreamOffset = 0;
     return initNotifyEvtStreamRecord();
 }
@@ -91,9 +116,13 @@ int CDSndCapturetyStream::startCaptureStream()
     if (m_pDSCBuffer == NULL)
         return 0;
     m_ulStreamOffset = 0;
+    m_ullLostBytes = 0;
+    m_hrStream = S_OK;
+    m_streamWriteResult = WAVEFILE_OK;
     m_hr = m_pDSCBuffer->Start(DSCBSTART_LOOPING);
     if (!traceHR())
         return 0;
+    m_dwTakenAtMs = DSndPlatform::milliseconds();
     m_bCapturing = 1;
     return 1;
 }
@@ -114,30 +143,88 @@ int CDSndCapturetyStream::waitRecordStreamEvt()
     return streamData2File(dwWoken - WAIT_OBJECT_0);
 }
 
-// Wine's capture cursor can read a few milliseconds behind where it stood a moment ago; taken
-// as a wrap, that would write the whole buffer again. A real wrap is never that close, as the
-// positions come at least every 1.5 s of a two-second buffer.
-unsigned long CDSndCapturetyStream::bytesCapturedSinceOffset(unsigned long ulPosition)
+// The read position tells where in the ring capture stands, the clock how many whole laps
+// it went round since the last take. Those laps were overwritten before they could be taken:
+// they are lost, and the bytes from the stream offset to the read position are the newest.
+// A reading a little behind the last one (Wine's cursor jitters) is nothing new, never a lap.
+int CDSndCapturetyStream::readArrival(Arrival& arrival)
 {
-    if (ulPosition >= m_ulStreamOffset)
-        return ulPosition - m_ulStreamOffset;
-    if (m_ulStreamOffset - ulPosition < m_wfxCurrent.nAvgBytesPerSec / 4)
+    DWORD dwCapture = 0;
+    DWORD dwRead = 0;
+    m_hr = m_pDSCBuffer->GetCurrentPosition(&dwCapture, &dwRead);
+    if (!traceHR())
         return 0;
-    return ulPosition + m_dscbd.dwBufferBytes - m_ulStreamOffset;
+    const unsigned long ulRing = m_dscbd.dwBufferBytes;
+    if (ulRing == 0 || dwRead >= ulRing)
+        return 0;
+    arrival.dwAtMs = DSndPlatform::milliseconds();
+    arrival.ulFrom = m_ulStreamOffset;
+    arrival.ulTake = (dwRead + ulRing - m_ulStreamOffset) % ulRing;
+    const double dElapsed = (arrival.dwAtMs - m_dwTakenAtMs) * (m_wfxCurrent.nAvgBytesPerSec / 1000.0);
+    const double dLaps = std::floor((dElapsed - arrival.ulTake) / ulRing + 0.5);
+    if (dLaps < 0.0)
+        return 0;
+    arrival.ullLost = static_cast<ULONGLONG>(dLaps) * ulRing;
+    return arrival.ulTake > 0 || arrival.ullLost > 0 ? 1 : 0;
 }
 
-int CDSndCapturetyStream::writeRegion(void* pRegion, DWORD dwBytes)
+// Counts what reached the file; anything short of the whole ends the recording.
+int CDSndCapturetyStream::writeToFile(const void* pData, unsigned long ulBytes)
 {
-    if (pRegion == NULL || dwBytes == 0)
+    if (pData == NULL || ulBytes == 0)
         return 1;
     unsigned int uWritten = 0;
-    int nWrote = m_pSndWaveWriteStream->Write(dwBytes, static_cast<unsigned char*>(pRegion), &uWritten);
-    m_ulStreamBytesWritten += uWritten;
-    return nWrote ? 1 : 0;
+    const int nWrote = m_pSndWaveWriteStream->Write(ulBytes, static_cast<unsigned char*>(const_cast<void*>(pData)),
+                                                    &uWritten);
+    m_ullStreamBytesWritten += uWritten;
+    if (nWrote && uWritten == ulBytes)
+        return 1;
+    endOnWriteFailure();
+    return 0;
 }
 
-// Up to the capture position. A failed write leaves the offset, so the same bytes are
-// offered again at the next position.
+// The file's time axis stays true: what the ring lost becomes silence of the same length.
+int CDSndCapturetyStream::writeSilence(ULONGLONG ullBytes)
+{
+    if (ullBytes == 0)
+        return 1;
+    const std::vector<BYTE> silence(std::min<ULONGLONG>(ullBytes, kSilencePiece),
+                                    m_wfxCurrent.wBitsPerSample == 8 ? 0x80 : 0x00);
+    for (ULONGLONG ullLeft = ullBytes; ullLeft > 0;)
+    {
+        const unsigned long ulPiece = static_cast<unsigned long>(std::min<ULONGLONG>(ullLeft, silence.size()));
+        if (!writeToFile(silence.data(), ulPiece))
+            return 0;
+        ullLeft -= ulPiece;
+    }
+    return 1;
+}
+
+// Capture stops where the file stopped taking data; the file keeps what it holds.
+void CDSndCapturetyStream::endOnWriteFailure()
+{
+    m_streamWriteResult = m_pSndWaveWriteStream->GetResult();
+    m_hrStream = writeFailureResult(m_streamWriteResult);
+    m_hr = m_hrStream;
+    m_bCapturing = 0;
+    if (m_pDSCBuffer != NULL)
+        m_pDSCBuffer->Stop();
+    finishFile();
+}
+
+// The 32-bit count closes a file of up to 4 GiB as it always has; a larger file is closed
+// with all that reached it.
+void CDSndCapturetyStream::finishFile()
+{
+    if (m_pSndWaveWriteStream == NULL || !m_pSndWaveWriteStream->IsOpen())
+        return;
+    if (m_ullStreamBytesWritten <= 0xFFFFFFFFull)
+        m_pSndWaveWriteStream->Close(static_cast<unsigned long>(m_ullStreamBytesWritten));
+    else
+        m_pSndWaveWriteStream->Close();
+}
+
+// Up to the read position. The offset advances by exactly what reached the file.
 int CDSndCapturetyStream::streamData2File(unsigned long /*ulEvent*/)
 {
     SectionLock hold(m_streamLock);
@@ -150,29 +237,43 @@ int CDSndCapturetyStream::takeToFile()
 {
     if (m_pSndWaveWriteStream == NULL || m_pDSCBuffer == NULL)
         return 0;
-    DWORD dwCapture = 0;
-    m_hr = m_pDSCBuffer->GetCurrentPosition(&dwCapture, NULL);
-    if (FAILED(m_hr))
+    Arrival arrival = {};
+    LockedRegions regions;
+    if (!readArrival(arrival) || !lockArrival(arrival, regions))
         return 0;
-    unsigned long ulNew = bytesCapturedSinceOffset(dwCapture);
-    if (ulNew == 0)
-        return 0;
+    m_ullLostBytes += arrival.ullLost;
+    const int nSilenced = writeSilence(arrival.ullLost);
+    const ULONGLONG ullBefore = m_ullStreamBytesWritten;
+    const int nWrote = nSilenced && writeToFile(regions.pData[0], regions.dwBytes[0]) &&
+                       writeToFile(regions.pData[1], regions.dwBytes[1]);
+    unlockArrival(regions);
+    advanceOffset(arrival, static_cast<unsigned long>(m_ullStreamBytesWritten - ullBefore), nWrote != 0);
+    return nWrote;
+}
 
-    void* pRegion1 = NULL;
-    void* pRegion2 = NULL;
-    DWORD dwBytes1 = 0;
-    DWORD dwBytes2 = 0;
-    m_hr = m_pDSCBuffer->Lock(m_ulStreamOffset, ulNew, &pRegion1, &dwBytes1, &pRegion2, &dwBytes2, 0);
-    if (FAILED(m_hr))
-        return 0;
-    int nWrote = writeRegion(pRegion1, dwBytes1) && writeRegion(pRegion2, dwBytes2);
-    m_pDSCBuffer->Unlock(pRegion1, dwBytes1, pRegion2, dwBytes2);
-    if (!nWrote)
-        return 0;
-    m_ulStreamOffset += ulNew;
-    if (m_ulStreamOffset >= m_dscbd.dwBufferBytes)
-        m_ulStreamOffset -= m_dscbd.dwBufferBytes;
-    return 1;
+// Locked before anything is written, so that a refused lock leaves the offset where it was.
+int CDSndCapturetyStream::lockArrival(const Arrival& arrival, LockedRegions& regions)
+{
+    if (arrival.ulTake == 0)
+        return 1;
+    m_hr = m_pDSCBuffer->Lock(arrival.ulFrom, arrival.ulTake, &regions.pData[0], &regions.dwBytes[0],
+                              &regions.pData[1], &regions.dwBytes[1], 0);
+    return SUCCEEDED(m_hr) ? 1 : 0;
+}
+
+void CDSndCapturetyStream::unlockArrival(const LockedRegions& regions)
+{
+    if (regions.pData[0] != NULL)
+        m_pDSCBuffer->Unlock(regions.pData[0], regions.dwBytes[0], regions.pData[1], regions.dwBytes[1]);
+}
+
+// By exactly what was taken; the clock's mark moves only once the offset has caught up with
+// the read position it was read with.
+void CDSndCapturetyStream::advanceOffset(const Arrival& arrival, unsigned long ulTaken, bool bCaughtUp)
+{
+    m_ulStreamOffset = (arrival.ulFrom + ulTaken) % m_dscbd.dwBufferBytes;
+    if (bCaughtUp)
+        m_dwTakenAtMs = arrival.dwAtMs;
 }
 
 // A region longer than the ring keeps only its last ring's worth, so nothing is written
@@ -208,40 +309,29 @@ int CDSndCapturetyStream::getRecordNewStreamData(void* pRing, unsigned long ulRi
     SectionLock hold(m_streamLock);
     if (!m_bCapturing || m_pDSCBuffer == NULL || pRing == NULL || ulRingBytes == 0)
         return 0;
-    DWORD dwRead = 0;
-    m_hr = m_pDSCBuffer->GetCurrentPosition(NULL, &dwRead);
-    if (!traceHR())
+    Arrival arrival = {};
+    LockedRegions regions;
+    if (!readArrival(arrival) || !lockArrival(arrival, regions))
         return 0;
-    unsigned long ulNew = bytesCapturedSinceOffset(dwRead);
-    if (ulNew < 1)
-        return 0;
-
-    void* pRegion1 = NULL;
-    void* pRegion2 = NULL;
-    DWORD dwBytes1 = 0;
-    DWORD dwBytes2 = 0;
-    m_hr = m_pDSCBuffer->Lock(m_ulStreamOffset, ulNew, &pRegion1, &dwBytes1, &pRegion2, &dwBytes2, 0);
-    if (FAILED(m_hr))
-        return 0;
+    m_ullLostBytes += arrival.ullLost;
     if (nRingPosition < 0 || static_cast<unsigned long>(nRingPosition) >= ulRingBytes)
         nRingPosition = 0;
     char* pRingBytes = static_cast<char*>(pRing);
-    bool bWriteFailed = false;
-    copyToRing(pRegion1, dwBytes1, pRingBytes, ulRingBytes, nRingPosition);
+    copyToRing(regions.pData[0], regions.dwBytes[0], pRingBytes, ulRingBytes, nRingPosition);
+    copyToRing(regions.pData[1], regions.dwBytes[1], pRingBytes, ulRingBytes, nRingPosition);
+    int nWrote = 1;
+    unsigned long ulTaken = arrival.ulTake;
     if (bWriteFile && m_pSndWaveWriteStream != NULL)
-        bWriteFailed = !writeRegion(pRegion1, dwBytes1);
-    if (!bWriteFailed)
     {
-        copyToRing(pRegion2, dwBytes2, pRingBytes, ulRingBytes, nRingPosition);
-        if (bWriteFile && m_pSndWaveWriteStream != NULL)
-            bWriteFailed = !writeRegion(pRegion2, dwBytes2);
+        nWrote = writeSilence(arrival.ullLost);
+        const ULONGLONG ullBefore = m_ullStreamBytesWritten;
+        nWrote = nWrote && writeToFile(regions.pData[0], regions.dwBytes[0]) &&
+                 writeToFile(regions.pData[1], regions.dwBytes[1]);
+        ulTaken = static_cast<unsigned long>(m_ullStreamBytesWritten - ullBefore);
     }
-    m_pDSCBuffer->Unlock(pRegion1, dwBytes1, pRegion2, dwBytes2);
-    if (bWriteFailed)
-        return 0;
-    unsigned long ulBufferBytes = m_dscbd.dwBufferBytes;
-    m_ulStreamOffset = ((m_ulStreamOffset + dwBytes1) % ulBufferBytes + dwBytes2) % ulBufferBytes;
-    return 1;
+    unlockArrival(regions);
+    advanceOffset(arrival, ulTaken, nWrote != 0);
+    return nWrote;
 }
 
 // Capture is halted first, so that the tail since the last position can be written
@@ -262,7 +352,21 @@ int CDSndCapturetyStream::stopCaptureStream()
         takeToFile();
     }
     recordStop();
-    if (m_pSndWaveWriteStream != NULL)
-        m_pSndWaveWriteStream->Close(m_ulStreamBytesWritten);
+    finishFile();
     return 1;
+}
+
+ULONGLONG CDSndCapturetyStream::getLostFrames() const
+{
+    return m_wfxCurrent.nBlockAlign == 0 ? 0 : m_ullLostBytes / m_wfxCurrent.nBlockAlign;
+}
+
+HRESULT CDSndCapturetyStream::getStreamResult() const
+{
+    return m_hrStream;
+}
+
+WaveFileResult CDSndCapturetyStream::getStreamWriteResult() const
+{
+    return m_streamWriteResult;
 }

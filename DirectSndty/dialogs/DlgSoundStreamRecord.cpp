@@ -12,6 +12,8 @@ namespace
 const LPCTSTR kFileFilter = _T("Wave sound files(*.WAV)|*.WAV|All files(*.*)|*.*||");
 const DWORD kFileFilterIndex = 1; // "Wave sound files(*.WAV)"
 const DWORD kWakeIntervalMs = 50;
+// Posted by the worker on the Stop button's id when the recording ended by itself.
+const WORD kStreamEnded = 0x8000;
 }
 
 CDlgSoundStreamRecord::CDlgSoundStreamRecord(CWnd* pParent /*=NULL*/)
@@ -49,6 +51,7 @@ BEGIN_MESSAGE_MAP(CDlgSoundStreamRecord, CDialog)
     ON_BN_CLICKED(IDC_BTN_STREAM_RECORD, &CDlgSoundStreamRecord::OnBnClickedRecord)
     ON_BN_CLICKED(IDC_BTN_STREAM_RECORD_STOP, &CDlgSoundStreamRecord::OnBnClickedStop)
     ON_BN_CLICKED(IDC_BTN_STREAM_SETUP, &CDlgSoundStreamRecord::OnBnClickedSetupStream)
+    ON_CONTROL(kStreamEnded, IDC_BTN_STREAM_RECORD_STOP, &CDlgSoundStreamRecord::OnStreamEnded)
 END_MESSAGE_MAP()
 
 BOOL CDlgSoundStreamRecord::OnInitDialog()
@@ -109,6 +112,13 @@ void CDlgSoundStreamRecord::OnBnClickedStop()
     m_btnSetupStream.EnableWindow(TRUE);
 }
 
+// The file could not take the recording: the user is told, and the dialog is as after Stop.
+void CDlgSoundStreamRecord::OnStreamEnded()
+{
+    AfxMessageBox(_T("The wave file cannot be written: the recording has stopped"), MB_OK, 0);
+    OnBnClickedStop();
+}
+
 void CDlgSoundStreamRecord::readStreamFormat()
 {
     readComboNumber(m_cmbBitsPerSample, m_nBitsPerSample);
@@ -135,7 +145,7 @@ void CDlgSoundStreamRecord::openStreamFile()
     deleteWaveWriter();
     m_pWaveWriter = new (std::nothrow) CSndWaveWriteStreamty;
     if (m_pWaveWriter != NULL)
-        m_pWaveWriter->Open(m_strFilePath, &m_wfxStream);
+        m_pWaveWriter->Open(m_strFilePath, &m_wfxStream, TRUE);
     m_dsndCaptureStream.m_pSndWaveWriteStream = m_pWaveWriter;
 }
 
@@ -173,11 +183,17 @@ void CDlgSoundStreamRecord::endRecordThread()
     m_pRecordThread = NULL;
 }
 
+// A recording that ended by itself (its file refused a write) ends the loop too, and the
+// dialog hears of it.
 UINT AFX_CDECL CDlgSoundStreamRecord::recordThreadProc(LPVOID pParam)
 {
     auto* pDlg = static_cast<CDlgSoundStreamRecord*>(pParam);
-    while (pDlg->m_bRecording)
-        pDlg->m_dsndCaptureStream.waitRecordStreamEvt();
-    pDlg->m_dsndCaptureStream.stopCaptureStream();
+    CDSndCapturetyStream& capture = pDlg->m_dsndCaptureStream;
+    while (pDlg->m_bRecording && capture.getStreamResult() == S_OK)
+        capture.waitRecordStreamEvt();
+    capture.stopCaptureStream();
+    if (pDlg->m_bRecording && pDlg->m_hWnd != NULL)
+        ::PostMessageW(pDlg->m_hWnd, WM_COMMAND, MAKEWPARAM(IDC_BTN_STREAM_RECORD_STOP, kStreamEnded),
+                     reinterpret_cast<LPARAM>(pDlg->m_btnStop.m_hWnd));
     return 1;
 }

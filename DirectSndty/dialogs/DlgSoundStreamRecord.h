@@ -5,6 +5,8 @@
 // each new piece to the file. The file is created under its bare name in the current
 // folder. The worker has ended, and so finished the file, before the writer goes (OK, the
 // next "Setup stream", destruction); destroying the dialog mid-recording leaves a valid file.
+// A file that refuses a write (a full disk) ends the recording: the user is told, and the
+// dialog returns to its stopped state. The file may grow past 4 GiB, as RF64.
 
 #include <afxwin.h>
 #include "../capture/DSndCapturetyStream.h"
@@ -47,6 +49,7 @@ protected:
     afx_msg void OnBnClickedRecord();
     afx_msg void OnBnClickedStop();
     afx_msg void OnBnClickedSetupStream();
+    afx_msg void OnStreamEnded();
 
     DECLARE_MESSAGE_MAP()
 

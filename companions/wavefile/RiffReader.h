@@ -39,14 +39,17 @@ struct WaveLayout
 {
     PcmFormat format;
     uint64_t dataOffset = 0;       // first byte of sound data
-    uint32_t dataSize = 0;         // whole frames the file really holds
-    uint32_t declaredDataSize = 0; // as the data chunk states it
+    uint64_t dataSize = 0;         // whole frames the file really holds
+    uint64_t declaredDataSize = 0; // as the data chunk (or an RF64 file's ds64 chunk) states it
     bool clipped = false;          // the data chunk claims more than the file holds
+    bool rf64 = false;             // the RF64 form, whose sizes stand in its ds64 chunk
 };
 
 // Finds the first fmt and the first data chunk, in either order, skipping all others
-// (LIST, fact, bext, ...) and their pad bytes. The RIFF size field does not bound the walk
-// (streaming writers leave it 0 or too large; the source's real size does); it only tells a
-// cut-off file (TRUNCATED) from one that lacks a chunk (NO_FORMAT, NO_DATA).
+// (LIST, fact, bext, JUNK, ...) and their pad bytes. The RIFF size field does not bound the
+// walk (streaming writers leave it 0 or too large; the source's real size does); it only
+// tells a cut-off file (TRUNCATED) from one that lacks a chunk (NO_FORMAT, NO_DATA). An RF64
+// file (EBU Tech 3306) must open with its ds64 chunk; a 32-bit size of 0xFFFFFFFF in the
+// RIFF header or the data chunk is then the 64-bit one of the ds64 chunk.
 WaveFileResult parseWave(ByteSource& source, WaveLayout& layout);
 } // namespace wavefile

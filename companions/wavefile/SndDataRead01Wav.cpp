@@ -11,8 +11,18 @@ struct CSndDataRead01Wav::Impl : ResultKeeper
 {
     Win32File file;
     wavefile::WaveLayout layout; // all zero while no file is open
-    uint32_t consumed = 0;       // bytes of sound data handed out
+    uint64_t consumed = 0;       // bytes of sound data handed out
+
+    uint64_t left() const { return layout.dataSize - consumed; }
 };
+
+namespace
+{
+unsigned long clipTo32Bits(uint64_t bytes)
+{
+    return bytes > 0xFFFFFFFFull ? 0xFFFFFFFFul : static_cast<unsigned long>(bytes);
+}
+} // namespace
 
 CSndDataRead01Wav::CSndDataRead01Wav()
     : m_pImpl(new Impl)
@@ -76,12 +86,22 @@ WORD CSndDataRead01Wav::getSndFileFormatTag() const
 
 unsigned long CSndDataRead01Wav::getSndDataSize() const
 {
-    return m_pImpl->layout.dataSize;
+    return clipTo32Bits(m_pImpl->layout.dataSize);
 }
 
 unsigned long CSndDataRead01Wav::getSndDataLeft() const
 {
-    return m_pImpl->layout.dataSize - m_pImpl->consumed;
+    return clipTo32Bits(m_pImpl->left());
+}
+
+ULONGLONG CSndDataRead01Wav::getSndDataSize64() const
+{
+    return m_pImpl->layout.dataSize;
+}
+
+BOOL CSndDataRead01Wav::isSndFileRf64() const
+{
+    return m_pImpl->layout.rf64 ? TRUE : FALSE;
 }
 
 BOOL CSndDataRead01Wav::isSndDataClipped() const
@@ -103,9 +123,9 @@ int CSndDataRead01Wav::readSndData(void* data, unsigned long& bytes)
         return r.fail(WAVEFILE_ERR_NOT_OPEN);
     if (data == nullptr && wanted != 0)
         return r.fail(WAVEFILE_ERR_ARGUMENT);
-    const unsigned long count = std::min(wanted, getSndDataLeft());
+    const unsigned long count = static_cast<unsigned long>(std::min<uint64_t>(wanted, r.left()));
     const size_t got = r.file.readAt(r.layout.dataOffset + r.consumed, data, count);
-    r.consumed += static_cast<uint32_t>(got);
+    r.consumed += got;
     bytes = static_cast<unsigned long>(got);
     return got == count ? r.succeed() : r.fail(WAVEFILE_ERR_IO);
 }

@@ -1,6 +1,8 @@
 #include "SndWaveWriteStreamty.h"
 
+#include <memory>
 #include "ResultKeeper.h"
+#include "StreamWriter.h"
 #include "WaveHeader.h"
 #include "Win32File.h"
 
@@ -10,26 +12,8 @@ struct CSndWaveWriteStreamty::Impl : ResultKeeper
 {
     Win32File file;
     wavefile::PcmFormat format; // all zero while no file is open
-    uint32_t written = 0;       // bytes of data after the header
-
-    bool writeHeader()
-    {
-        const auto header = wavefile::buildPcmHeader(format, written);
-        return file.writeAt(0, header.data(), header.size()) == header.size();
-    }
-
-    // The data ends after `written` bytes (bytes beyond are dropped), an odd size gets its
-    // zero pad byte, and the header then tells both sizes.
-    bool finish()
-    {
-        const uint64_t end = wavefile::kCanonicalHeaderSize + uint64_t(written);
-        if (!file.truncateAt(end))
-            return false;
-        const uint8_t pad = 0;
-        if ((written & 1u) != 0 && file.writeAt(end, &pad, 1) != 1)
-            return false;
-        return writeHeader();
-    }
+    std::unique_ptr<wavefile::StreamWriter> stream;
+    uint64_t finishedBytes = 0; // the data size of the file last closed
 };
 
 namespace
@@ -60,11 +44,15 @@ CSndWaveWriteStreamty::~CSndWaveWriteStreamty()
 
 int CSndWaveWriteStreamty::Open(CString fileName, tWAVEFORMATEX* wfx)
 {
+    return Open(fileName, wfx, FALSE);
+}
+
+int CSndWaveWriteStreamty::Open(CString fileName, tWAVEFORMATEX* wfx, BOOL bMayPass4GiB)
+{
     if (IsOpen())
         Close();
     Impl& w = *m_pImpl;
-    w.written = 0;
-    w.format = wavefile::PcmFormat();
+    w.finishedBytes = 0;
     if (fileName.IsEmpty() || wfx == nullptr)
         return w.fail(WAVEFILE_ERR_ARGUMENT);
     wavefile::PcmFormat format = toPcmFormat(*wfx);
@@ -72,12 +60,15 @@ int CSndWaveWriteStreamty::Open(CString fileName, tWAVEFORMATEX* wfx)
         return w.fail(WAVEFILE_ERR_ARGUMENT);
     if (!w.file.createForWriting(fileName))
         return w.fail(WAVEFILE_ERR_OPEN);
-    w.format = format;
-    if (w.writeHeader())
+    w.stream.reset(new wavefile::StreamWriter(w.file, format, bMayPass4GiB != FALSE));
+    if (w.stream->start() == WAVEFILE_OK)
+    {
+        w.format = format;
         return w.succeed();
+    }
     // Leave no headless file behind.
+    w.stream.reset();
     w.file.close();
-    w.format = wavefile::PcmFormat();
     DeleteFileW(fileName);
     return w.fail(WAVEFILE_ERR_IO);
 }
@@ -91,13 +82,11 @@ int CSndWaveWriteStreamty::Write(unsigned int size, unsigned char* data, unsigne
         return w.fail(WAVEFILE_ERR_NOT_OPEN);
     if (data == nullptr && size != 0)
         return w.fail(WAVEFILE_ERR_ARGUMENT);
-    if (!wavefile::fitsInRiff(uint64_t(w.written) + size))
-        return w.fail(WAVEFILE_ERR_TOO_LARGE);
-    const size_t put = w.file.writeAt(wavefile::kCanonicalHeaderSize + uint64_t(w.written), data, size);
-    w.written += static_cast<uint32_t>(put);
+    size_t put = 0;
+    const WaveFileResult result = w.stream->append(data, size, put);
     if (written != nullptr)
         *written = static_cast<unsigned int>(put);
-    return put == size ? w.succeed() : w.fail(WAVEFILE_ERR_IO);
+    return result == WAVEFILE_OK ? w.succeed() : w.fail(result);
 }
 
 int CSndWaveWriteStreamty::Close(unsigned long totalDataBytes)
@@ -105,20 +94,28 @@ int CSndWaveWriteStreamty::Close(unsigned long totalDataBytes)
     Impl& w = *m_pImpl;
     if (!IsOpen())
         return w.fail(WAVEFILE_ERR_NOT_OPEN);
-    const bool sizeKnown = totalDataBytes <= w.written;
-    if (sizeKnown)
-        w.written = static_cast<uint32_t>(totalDataBytes);
-    const bool finished = w.finish();
+    const bool sizeKnown = totalDataBytes <= w.stream->dataBytes();
+    const WaveFileResult finished = w.stream->finish(sizeKnown ? totalDataBytes : w.stream->dataBytes());
+    w.finishedBytes = w.stream->dataBytes();
+    w.stream.reset();
     w.file.close();
     w.format = wavefile::PcmFormat();
-    if (!finished)
-        return w.fail(WAVEFILE_ERR_IO);
+    if (finished != WAVEFILE_OK)
+        return w.fail(finished);
     return sizeKnown ? w.succeed() : w.fail(WAVEFILE_ERR_SIZE_MISMATCH);
 }
 
 int CSndWaveWriteStreamty::Close()
 {
-    return Close(m_pImpl->written);
+    Impl& w = *m_pImpl;
+    if (!IsOpen())
+        return w.fail(WAVEFILE_ERR_NOT_OPEN);
+    const WaveFileResult finished = w.stream->finish(w.stream->dataBytes());
+    w.finishedBytes = w.stream->dataBytes();
+    w.stream.reset();
+    w.file.close();
+    w.format = wavefile::PcmFormat();
+    return finished == WAVEFILE_OK ? w.succeed() : w.fail(finished);
 }
 
 BOOL CSndWaveWriteStreamty::IsOpen() const
@@ -128,7 +125,19 @@ BOOL CSndWaveWriteStreamty::IsOpen() const
 
 unsigned long CSndWaveWriteStreamty::GetDataBytesWritten() const
 {
-    return m_pImpl->written;
+    const ULONGLONG bytes = GetDataBytesWritten64();
+    return bytes > 0xFFFFFFFFull ? 0xFFFFFFFFul : static_cast<unsigned long>(bytes);
+}
+
+ULONGLONG CSndWaveWriteStreamty::GetDataBytesWritten64() const
+{
+    const Impl& w = *m_pImpl;
+    return w.stream ? w.stream->dataBytes() : w.finishedBytes;
+}
+
+BOOL CSndWaveWriteStreamty::IsRf64() const
+{
+    return m_pImpl->stream && m_pImpl->stream->isRf64() ? TRUE : FALSE;
 }
 
 tWAVEFORMATEX CSndWaveWriteStreamty::GetFormat() const

@@ -25,6 +25,25 @@ void writeLe32(uint8_t* p, uint32_t v)
     writeLe16(p + 2, static_cast<uint16_t>(v >> 16));
 }
 
+void writeLe64(uint8_t* p, uint64_t v)
+{
+    writeLe32(p, static_cast<uint32_t>(v));
+    writeLe32(p + 4, static_cast<uint32_t>(v >> 32));
+}
+
+// A 16-byte PCM fmt chunk, header included, at p.
+void writeFormatChunk(uint8_t* p, const PcmFormat& format)
+{
+    std::memcpy(p, "fmt ", 4);
+    writeLe32(p + 4, kPcmFormatSize);
+    writeLe16(p + 8, kFormatPcm);
+    writeLe16(p + 10, format.channels);
+    writeLe32(p + 12, format.samplesPerSec);
+    writeLe32(p + 16, format.avgBytesPerSec);
+    writeLe16(p + 20, format.blockAlign);
+    writeLe16(p + 22, format.bitsPerSample);
+}
+
 // An extensible record describes PCM when its sub-format says so; the container must be
 // whole bytes and hold the valid bits (0 valid bits: writers that leave it unset).
 WaveFileResult checkExtension(const uint8_t* body, uint32_t chunkSize, uint16_t bits)
@@ -65,6 +84,11 @@ uint16_t readLe16(const uint8_t* p)
 uint32_t readLe32(const uint8_t* p)
 {
     return readLe16(p) | (uint32_t(readLe16(p + 2)) << 16);
+}
+
+uint64_t readLe64(const uint8_t* p)
+{
+    return readLe32(p) | (uint64_t(readLe32(p + 4)) << 32);
 }
 
 WaveFileResult decodeFormat(const uint8_t* body, uint32_t chunkSize, PcmFormat& format)
@@ -108,16 +132,33 @@ std::array<uint8_t, kCanonicalHeaderSize> buildPcmHeader(const PcmFormat& format
     uint8_t* p = h.data();
     std::memcpy(p, "RIFF", 4);
     writeLe32(p + 4, 36u + dataBytes + (dataBytes & 1u));
-    std::memcpy(p + 8, "WAVEfmt ", 8);
-    writeLe32(p + 16, kPcmFormatSize);
-    writeLe16(p + 20, kFormatPcm);
-    writeLe16(p + 22, format.channels);
-    writeLe32(p + 24, format.samplesPerSec);
-    writeLe32(p + 28, format.avgBytesPerSec);
-    writeLe16(p + 32, format.blockAlign);
-    writeLe16(p + 34, format.bitsPerSample);
+    std::memcpy(p + 8, "WAVE", 4);
+    writeFormatChunk(p + 12, format);
     std::memcpy(p + 36, "data", 4);
     writeLe32(p + 40, dataBytes);
+    return h;
+}
+
+std::array<uint8_t, kReservedHeaderSize> buildReservedHeader(const PcmFormat& format, uint64_t dataBytes, bool rf64)
+{
+    std::array<uint8_t, kReservedHeaderSize> h{};
+    uint8_t* p = h.data();
+    const uint64_t riffSize = kReservedHeaderSize - 8u + dataBytes + (dataBytes & 1u);
+    std::memcpy(p, rf64 ? "RF64" : "RIFF", 4);
+    writeLe32(p + 4, rf64 ? kSizeInDs64 : static_cast<uint32_t>(riffSize));
+    std::memcpy(p + 8, "WAVE", 4);
+    std::memcpy(p + 12, rf64 ? "ds64" : "JUNK", 4);
+    writeLe32(p + 16, kDs64BodySize);
+    if (rf64)
+    {
+        writeLe64(p + 20, riffSize);
+        writeLe64(p + 28, dataBytes);
+        writeLe64(p + 36, format.blockAlign == 0 ? 0 : dataBytes / format.blockAlign);
+        writeLe32(p + 44, 0); // no table of other chunks' sizes
+    }
+    writeFormatChunk(p + 48, format);
+    std::memcpy(p + 72, "data", 4);
+    writeLe32(p + 76, rf64 ? kSizeInDs64 : static_cast<uint32_t>(dataBytes));
     return h;
 }
 } // namespace wavefile

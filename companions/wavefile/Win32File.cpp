@@ -93,3 +93,12 @@ bool Win32File::truncateAt(uint64_t offset)
 {
     return seek(offset) && SetEndOfFile(m_handle);
 }
+
+void Win32File::commit()
+{
+    const ULONGLONG now = GetTickCount64();
+    if (!isOpen() || now - m_lastCommitMs < 1000)
+        return;
+    FlushFileBuffers(m_handle);
+    m_lastCommitMs = now;
+}

@@ -1,12 +1,13 @@
 #pragma once
 // One Win32 file handle, closed when its owner goes, with positioned reads and writes at
-// 64-bit offsets (wave files pass 2 GiB). It is also the reader's byte source for the
-// RIFF walk.
+// 64-bit offsets (wave files pass 4 GiB). It is the reader's byte source for the RIFF walk
+// and the writer's byte sink.
 
 #include <windows.h>
 #include "RiffReader.h"
+#include "StreamWriter.h"
 
-class Win32File : public wavefile::ByteSource
+class Win32File : public wavefile::ByteSource, public wavefile::ByteSink
 {
 public:
     Win32File() = default;
@@ -23,13 +24,17 @@ public:
 
     uint64_t size() const override;
     size_t readAt(uint64_t offset, void* dst, size_t n) override;
-    size_t writeAt(uint64_t offset, const void* src, size_t n);
+    size_t writeAt(uint64_t offset, const void* src, size_t n) override;
     // Makes offset the end of the file.
-    bool truncateAt(uint64_t offset);
+    bool truncateAt(uint64_t offset) override;
+    // Puts what was written on the disk, at most once a second: a file kept whole when the
+    // machine loses power, for a cost that does not grow with the number of writes.
+    void commit() override;
 
 private:
     bool seek(uint64_t offset);
     bool open(LPCWSTR path, DWORD access, DWORD share, DWORD disposition);
 
     HANDLE m_handle = INVALID_HANDLE_VALUE;
+    ULONGLONG m_lastCommitMs = 0;
 };

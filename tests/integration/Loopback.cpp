@@ -115,14 +115,29 @@ std::string waveHeader(size_t size, WORD channels, WORD bits)
     return header;
 }
 
+// The canonical header with a JUNK chunk keeping the room of an RF64 header after "WAVE".
+static std::string reservedWaveHeader(size_t size)
+{
+    std::string header = waveHeader(size, 2, 16);
+    const DWORD riff = static_cast<DWORD>(72 + size), junk = 28;
+    header.replace(4, 4, reinterpret_cast<const char*>(&riff), 4);
+    header.insert(12, std::string("JUNK", 4) + std::string(reinterpret_cast<const char*>(&junk), 4) + std::string(28, '\0'));
+    return header;
+}
+
 std::vector<int16_t> readWave(const std::wstring& path)
 {
     std::ifstream file(path.c_str(), std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    size_t headerSize = 44;
     if (bytes.size() < 44 || bytes.compare(0, 44, waveHeader(bytes.size() - 44, 2, 16)) != 0)
-        return {};
-    const auto* samples = reinterpret_cast<const int16_t*>(bytes.data() + 44);
-    return std::vector<int16_t>(samples, samples + (bytes.size() - 44) / 2);
+    {
+        headerSize = 80;
+        if (bytes.size() < 80 || bytes.compare(0, 80, reservedWaveHeader(bytes.size() - 80)) != 0)
+            return {};
+    }
+    const auto* samples = reinterpret_cast<const int16_t*>(bytes.data() + headerSize);
+    return std::vector<int16_t>(samples, samples + (bytes.size() - headerSize) / 2);
 }
 
 double stepHz(int second)

@@ -20,7 +20,7 @@ std::vector<std::wstring>& shownMessages();
 // without the library.
 std::string waveHeader(size_t size, WORD channels, WORD bits);
 // The samples of a 16-bit stereo wave file; none unless its header is the canonical one for
-// its size.
+// its size, or that with a JUNK chunk keeping room for an RF64 header.
 std::vector<int16_t> readWave(const std::wstring& path);
 
 // Second k of the stepped tone carries 400 x (k + 1) Hz, so which part of a file is heard can

@@ -27,9 +27,10 @@ if kill -0 "$recorder" 2>/dev/null; then
 fi
 wait "$recorder" || { echo "stimctl ended with status $? after Ctrl+C" >&2; tr '\r' '\n' <"$work/log" >&2; exit 1; }
 
-# A whole file: RIFF size = file size - 8, data size = file size - 44, and some sound in it.
+# A whole file: RIFF size = file size - 8, data size = file size - 80 (the header keeps room
+# for an RF64 header in a JUNK chunk), and some sound in it.
 size=$(stat -c %s "$out")
 riff=$(od -An -tu4 -j4 -N4 "$out" | tr -d ' ')
-data=$(od -An -tu4 -j40 -N4 "$out" | tr -d ' ')
+data=$(od -An -tu4 -j76 -N4 "$out" | tr -d ' ')
 echo "file $size bytes, RIFF size $riff, data size $data"
-[[ $riff -eq $((size - 8)) && $data -eq $((size - 44)) && $data -gt 0 ]]
+[[ $riff -eq $((size - 8)) && $data -eq $((size - 80)) && $data -gt 0 ]]

@@ -4,8 +4,10 @@
 // "Setup stream" closing the first file, and replacement mid-recording.
 
 #include "UiTestSupport.h"
+#include "SndWaveWriteStreamty.h"
 
 #include <cstdio>
+#include <cstring>
 
 using namespace dsty_test;
 
@@ -18,19 +20,20 @@ const long kBytesPerSecond = 44100 * 4;
 const auto kButtons = {IDC_BTN_STREAM_SETUP, IDC_BTN_STREAM_RECORD, IDC_BTN_STREAM_RECORD_STOP};
 const char kFresh[] = "100", kSetUp[] = "110", kRecording[] = "001", kStopped[] = "111";
 
-// Data bytes of a wave file whose header (sizes at 4 and 40) agrees with its length; -1 if not.
+// Data bytes of a wave file whose 80-byte header, its JUNK chunk keeping room for an RF64
+// header, agrees with its length (sizes at 4 and 76); -1 if not.
 long finishedDataBytes(const std::wstring& path)
 {
     FILE* file = _wfopen(path.c_str(), L"rb");
     if (file == nullptr)
         return -1;
-    uint32_t riff[11] = {};
-    const bool header = fread(riff, 4, 11, file) == 11;
+    uint32_t riff[20] = {};
+    const bool header = fread(riff, 4, 20, file) == 20 && memcmp(&riff[3], "JUNK", 4) == 0;
     fseek(file, 0, SEEK_END);
     const long length = ftell(file);
     fclose(file);
-    const bool agrees = header && riff[1] == uint32_t(length - 8) && riff[10] + 44 + riff[10] % 2 == uint32_t(length);
-    return agrees ? static_cast<long>(riff[10]) : -1;
+    const bool agrees = header && riff[1] == uint32_t(length - 8) && riff[19] + 80 + riff[19] % 2 == uint32_t(length);
+    return agrees ? static_cast<long>(riff[19]) : -1;
 }
 
 // No one holds the file open any more.
@@ -119,4 +122,23 @@ TEST_F(StreamRecordDialog, RecordsIntoTheLastFileSetUpAndAReplacementMidRecordin
     EXPECT_FALSE(IsWindow(dlg));
     EXPECT_EQ(enabled(CSndDataRecordPlaytyx::m_pRecordStream->GetSafeHwnd(), kButtons), kFresh);
     EXPECT_GT(finishedDataBytes(replaced), 0);
+}
+
+// A file that refuses the recording's first write (here closed under the dialog) ends the
+// recording by itself: the user is told, and the dialog is as after Stop.
+TEST_F(StreamRecordDialog, AFileThatRefusesAWriteStopsTheRecordingAndSaysSo)
+{
+    ASSERT_EQ(facade.recordStreamty(false), 1);
+    const size_t boxesBefore = answeredBoxes().size();
+    pumpMessagesWhile([&] {
+        HWND dlg = waitForWindow(kCaption);
+        setUp(dlg, L"first.wav");
+        CSndDataRecordPlaytyx::m_pRecordStream->m_pWaveWriter->Close();
+        pressButton(dlg, IDC_BTN_STREAM_RECORD);
+        EXPECT_TRUE(becomes(dlg, kButtons, kStopped)) << "still recording after the file refused a write";
+    });
+    EXPECT_EQ(answeredBoxes(boxesBefore),
+              (std::vector<std::wstring>{L"The wave file cannot be written: the recording has stopped"}));
+    EXPECT_EQ(CSndDataRecordPlaytyx::m_pRecordStream->m_dsndCaptureStream.getStreamWriteResult(),
+              WAVEFILE_ERR_NOT_OPEN);
 }

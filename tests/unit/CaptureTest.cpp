@@ -13,6 +13,7 @@ class TestCapture : public CDSndCapturetyx
 {
 public:
     using CDSndCapturety::isDSCsupport2c4kh16b;
+    using CDSndCapturety::captureDevice;
     using CDSndCapturety2BuffNotify::m_posNotify;
 };
 
@@ -20,6 +21,7 @@ class TestCaptureStream : public CDSndCapturetyStream
 {
 public:
     using CDSndCapturetyStream::streamData2File;
+    using CDSndCapturetyStream::captureDevice;
     using CDSndCapturetyStream::m_ulStreamOffset;
     using CDSndCapturetyStream::m_hStreamEvent;
 };
@@ -75,13 +77,41 @@ TEST_F(CaptureTest, DefaultFormatIsTheBestTheDeviceOffersAndRecordingNeedsTheBes
         ASSERT_EQ(1, std::make_unique<TestCapture>()->getDefaultWFX(&wfx));
         EXPECT_TRUE(sameFormat(row.expected, wfx)) << std::hex << row.formats;
     }
-    EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt); // any instance going away takes the shared device
+    EXPECT_NE(nullptr, CDSndCapturety::m_lpDSndCpt); // the others going leave the holder its device
     offer(WAVE_FORMAT_96S08, 2); // nothing the library records by default
     EXPECT_EQ(0, holder->getDefaultWFX(NULL));
     offer(WAVE_FORMAT_4S16, 1); // recording needs two channels at 44.1 kHz, whatever is asked for
     EXPECT_EQ(0, holder->isDSCsupport2c4kh16b());
     EXPECT_EQ(0, holder->initDataSizeWfxNonCircle(pcmFormat(1, 11025, 8), 1000));
     EXPECT_EQ((Texts{L"This system does not supoort 2c4kh16b"}), messages.texts());
+    holder.reset();
+    EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt); // the last user lets it go
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
+}
+
+// A streamed recording and a recording by size share the process's capture device: either
+// may stop first, and the other goes on through the device until it stops too.
+TEST_F(CaptureTest, TwoRecordersShareTheDeviceUntilBothHaveStopped)
+{
+    for (bool streamStopsFirst : {true, false})
+    {
+        auto stream = std::make_unique<TestCaptureStream>();
+        auto bySize = std::make_unique<TestCapture>();
+        ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
+        ASSERT_EQ(1, bySize->initDataSizeWfxNonCircle(cd, 176400));
+        ASSERT_EQ(1, stream->startCaptureStream());
+        ASSERT_EQ(1, bySize->recordStart());
+        const void* goingOn = streamStopsFirst ? bySize->captureDevice() : stream->captureDevice();
+        if (streamStopsFirst)
+            stream->stopCaptureStream();
+        else
+            bySize->recordStop();
+        EXPECT_GT(tap.refCount(goingOn), 0) << streamStopsFirst;
+        EXPECT_EQ(1, streamStopsFirst ? bySize->recordStop() : stream->stopCaptureStream()) << streamStopsFirst;
+        EXPECT_EQ(nullptr, CDSndCapturety::m_lpDSndCpt) << streamStopsFirst;
+    }
+    EXPECT_EQ(0, tap.deadObjectCalls());
+    EXPECT_EQ(0, tap.liveObjects()) << tap.leakReport();
 }
 
 TEST_F(CaptureTest, SetUpsSizeTheBufferInWholeBlocksOrSayWhatFailed)
@@ -199,6 +229,28 @@ TEST_F(CaptureTest, CircularCopyWaitsForTheStopAndNeverReadsPastTheCaptureBuffer
     capture->recordStop();
 }
 
+// As on Windows: a capture started without looping stops once its buffer is full, says it is
+// not capturing and reads its cursors at the start again; after its stop event the whole
+// buffer is handed out, and none of the bytes the platform had not filled.
+TEST_F(CaptureTest, ACaptureThatStopsWhenFullHandsOutItsWholeBuffer)
+{
+    std::vector<char> block(1587600);
+    auto capture = std::make_unique<TestCapture>();
+    ASSERT_EQ(1, capture->initDataSizeWfxCirclePro(cd, static_cast<unsigned long>(block.size()), block.data()));
+    auto ring = scriptCapture(tap, 264600, recorded);
+    ring->stopsWhenFull = true;
+    ring->readLag = 2000;
+    ASSERT_EQ(1, capture->recordStart());
+    ring->advance(200000);
+    EXPECT_EQ(0u, capture->getNewRecordDataSize());
+    ring->readLag = 0;
+    ring->advance(64600);
+    SetEvent(capture->m_posNotify[0].hEventNotify);
+    EXPECT_EQ(264600u, capture->getNewRecordDataSize());
+    EXPECT_EQ(0, memcmp(block.data(), ring->memory.data(), 264600));
+    capture->recordStop();
+}
+
 // --- streamed capture ---
 
 // 16 bytes of ring after 16,000 bytes of capture buffer. Ring byte k ends as recording byte
@@ -241,20 +293,21 @@ TEST_F(CaptureTest, RingCopyWrapsAtTheRingAndNeverWritesOutsideIt)
     }
 }
 
-// A failed write is offered again; a cursor read slightly behind takes nothing; a read past
-// the buffer's end comes in two regions; the stop writes the tail since the last position and
-// closes the file: every byte once, in order.
-TEST_F(CaptureTest, StreamToFileLosesAndRepeatsNothingAndStopWritesTheTail)
+// What the file gets ends at the read position, short of the bytes the platform has not
+// filled yet; a cursor read slightly behind takes nothing; a read past the buffer's end comes
+// in two regions; the stop writes the tail since the last position and closes the file: every
+// valid byte once, in order.
+TEST_F(CaptureTest, StreamToFileTakesEveryValidByteOnceAndStopWritesTheTail)
 {
     auto stream = std::make_unique<TestCaptureStream>();
     ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
-    auto ring = scriptCapture(tap, 352800, recorded, true);
-    CSndWaveWriteStreamty writer; // not open yet: every write fails
+    auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
+    ring->readLag = 4000;
+    CSndWaveWriteStreamty writer;
+    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
     stream->m_pSndWaveWriteStream = &writer;
     ASSERT_EQ(1, stream->startCaptureStream());
     ring->advance(88200);
-    EXPECT_EQ(0, stream->streamData2File(0));
-    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
     EXPECT_EQ(1, stream->streamData2File(0));
     ring->written -= 400;
     EXPECT_EQ(0, stream->streamData2File(0));
@@ -263,13 +316,70 @@ TEST_F(CaptureTest, StreamToFileLosesAndRepeatsNothingAndStopWritesTheTail)
     EXPECT_EQ(1, stream->streamData2File(0));
     ring->advance(1000); // after the last position: only the stop takes it
     EXPECT_EQ(1, stream->stopCaptureStream());
-    EXPECT_EQ((std::vector<DWORD>{0, 0, 88200, 35400}), lockOffsets());
+    EXPECT_EQ((std::vector<DWORD>{0, 84200, 31400}), lockOffsets());
     EXPECT_FALSE(writer.IsOpen());
     EXPECT_EQ(0, ring->openLocks);
+    EXPECT_EQ(0u, stream->getLostFrames());
     const Bytes content = file.bytes();
-    ASSERT_EQ(44u + 389200u, content.size());
-    for (size_t i = 0; i < 389200; i++)
+    ASSERT_EQ(44u + 385200u, content.size());
+    for (size_t i = 0; i < 385200; i++)
         ASSERT_EQ(recorded(i), content[44 + i]) << i;
+}
+
+// A worker held up for just under the buffer's two seconds takes all that arrived; held up for
+// three, it finds a lap overwritten: the lap's frames are counted and written as silence, so
+// every later byte stands in the file where it was captured.
+TEST_F(CaptureTest, AStallLongerThanTheBufferLeavesSilenceOfExactlyWhatWasLost)
+{
+    auto stream = std::make_unique<TestCaptureStream>();
+    ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
+    auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
+    CSndWaveWriteStreamty writer;
+    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
+    stream->m_pSndWaveWriteStream = &writer;
+    ASSERT_EQ(1, stream->startCaptureStream());
+    ring->advance(88200);
+    EXPECT_EQ(1, stream->streamData2File(0));
+    ring->advance(317520); // 1.8 s
+    EXPECT_EQ(1, stream->streamData2File(0));
+    EXPECT_EQ(0u, stream->getLostFrames());
+    const size_t lapFrom = ring->written;
+    ring->advance(529200); // 3 s: the first lap is gone
+    EXPECT_EQ(1, stream->streamData2File(0));
+    EXPECT_EQ(352800u / 4, stream->getLostFrames());
+    ring->advance(88200);
+    EXPECT_EQ(1, stream->stopCaptureStream());
+    const Bytes content = file.bytes();
+    ASSERT_EQ(44u + ring->written, content.size());
+    for (size_t i = 0; i < ring->written; i++)
+    {
+        const bool lost = i >= lapFrom && i < lapFrom + 352800;
+        ASSERT_EQ(lost ? 0 : recorded(i), content[44 + i]) << i;
+    }
+}
+
+// The file refuses a write: the recording ends there, capture stops, nothing is offered again,
+// and why stays with the recorder.
+TEST_F(CaptureTest, AWriteTheFileRefusesEndsTheRecordingAndIsKept)
+{
+    auto stream = std::make_unique<TestCaptureStream>();
+    ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
+    auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
+    CSndWaveWriteStreamty writer; // never opened
+    stream->m_pSndWaveWriteStream = &writer;
+    ASSERT_EQ(1, stream->startCaptureStream());
+    ring->advance(88200);
+    SetEvent(stream->m_hStreamEvent[0]);
+    EXPECT_EQ(0, stream->waitRecordStreamEvt());
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE), stream->getStreamResult());
+    EXPECT_EQ(WAVEFILE_ERR_NOT_OPEN, stream->getStreamWriteResult());
+    EXPECT_EQ(1, tap.count("IDirectSoundCaptureBuffer::Stop"));
+    ring->advance(88200);
+    EXPECT_EQ(0, stream->waitRecordStreamEvt());
+    EXPECT_EQ(1, stream->stopCaptureStream());
+    EXPECT_EQ(1u, lockOffsets().size());
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE), stream->getStreamResult());
+    EXPECT_EQ(0, ring->openLocks);
 }
 
 // The buffer halves in whole blocks, marked at half a second, a second and the stop. The wait

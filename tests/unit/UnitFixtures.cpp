@@ -115,23 +115,39 @@ Names starts(const dstap::DSoundTap& tap)
 
 void CaptureRing::advance(size_t bytes)
 {
-    for (const size_t end = written + bytes; written < end; written++)
-        memory[written % memory.size()] = pattern(written);
+    const size_t valid = written > readLag ? written - readLag : 0;
+    written += bytes;
+    for (size_t i = valid; i + readLag < written; i++)
+        memory[i % memory.size()] = pattern(i);
+    for (size_t i = written > readLag ? written - readLag : 0; i < written; i++)
+        memory[i % memory.size()] = kNotYet;
+    if (clock != nullptr && bytesPerSecond != 0)
+        clock->setClock(static_cast<DWORD>(1000 + written * 1000 / bytesPerSecond));
 }
 
 // The library reads capture on the test's thread, so the ring needs no lock.
 std::shared_ptr<CaptureRing> scriptCapture(dstap::DSoundTap& tap, size_t ringBytes, BYTE (*pattern)(size_t),
-                                           bool wrapCursors)
+                                           bool wrapCursors, DWORD bytesPerSecond)
 {
     auto ring = std::make_shared<CaptureRing>();
     ring->memory.resize(ringBytes);
     ring->pattern = pattern;
-    tap.answerWith("IDirectSoundCaptureBuffer::GetStatus", 0, DWORD{DSCBSTATUS_CAPTURING});
+    ring->clock = &tap;
+    ring->bytesPerSecond = bytesPerSecond;
+    ring->advance(0);
+    tap.answer("IDirectSoundCaptureBuffer::GetStatus", [ring](const dstap::Call& call) {
+        if (DWORD* status = call.out<DWORD>(0))
+            *status = ring->capturing() ? DSCBSTATUS_CAPTURING : 0;
+        return DS_OK;
+    });
+    // A buffer stopped when full reads both cursors at its start again.
     tap.answer("IDirectSoundCaptureBuffer::GetCurrentPosition", [ring, wrapCursors](const dstap::Call& call) {
-        const DWORD at = static_cast<DWORD>(wrapCursors ? ring->written % ring->memory.size() : ring->written);
+        const size_t read = ring->written > ring->readLag ? ring->written - ring->readLag : 0;
+        const size_t size = ring->memory.size();
+        const size_t at[2] = {ring->capturing() ? ring->written : 0, ring->capturing() ? read : 0};
         for (size_t k = 0; k < 2; k++)
             if (DWORD* cursor = call.out<DWORD>(k))
-                *cursor = at;
+                *cursor = static_cast<DWORD>(wrapCursors ? at[k] % size : at[k]);
         return DS_OK;
     });
     tap.answer("IDirectSoundCaptureBuffer::Lock", [ring](const dstap::Call& call) {

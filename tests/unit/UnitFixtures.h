@@ -146,17 +146,27 @@ Names starts(const dstap::DSoundTap& tap);
 // Capture as the test writes it: the capture buffer's cursors, status, Lock and Unlock are
 // answered over a ring of test memory, so a read across the ring's end comes in two regions.
 // Byte i of the recording is pattern(i). The cursors wrap with the ring when `wrapCursors`.
+// As on Windows, the read cursor may trail the capture cursor by `readLag` bytes, which hold
+// kNotYet until the capture moves past them; a buffer that stops when full says so in its
+// status. Given a byte rate, the tap's clock runs with the capture, as the platform's does.
 struct CaptureRing
 {
+    static const BYTE kNotYet = 0xEE;
+
     std::vector<BYTE> memory;
     size_t written = 0;
+    size_t readLag = 0;
+    bool stopsWhenFull = false;
     int openLocks = 0;
     BYTE (*pattern)(size_t) = nullptr;
+    dstap::DSoundTap* clock = nullptr;
+    DWORD bytesPerSecond = 0;
 
     void advance(size_t bytes); // the capture cursor moves on, writing the pattern
+    bool capturing() const { return !stopsWhenFull || written < memory.size(); }
 };
 std::shared_ptr<CaptureRing> scriptCapture(dstap::DSoundTap& tap, size_t ringBytes, BYTE (*pattern)(size_t),
-                                           bool wrapCursors = false);
+                                           bool wrapCursors = false, DWORD bytesPerSecond = 0);
 
 // Buffers must be released before their device (the platform frees a device's buffers with
 // it), so a fixture's buffers are declared after the device, which goes last.

@@ -1,9 +1,13 @@
-// The Windows-free core: the format rules, the RIFF size limit, and the chunk walk on files
-// that are rearranged, cut at every length or corrupted: it must answer an error or data
-// that lies inside the file, and never ask for a byte past the end. Builds natively too.
+// The Windows-free core: the format rules, the RIFF size limit, the chunk walk on files
+// that are rearranged, cut at every length or corrupted (it must answer an error or data
+// that lies inside the file, and never ask for a byte past the end), RF64 files, and the
+// stream writer on memory with its 4 GiB limit lowered. Builds natively too.
 #include "RiffReader.h"
+#include "StreamWriter.h"
 #include "TestRiff.h"
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace wavefile;
@@ -121,4 +125,100 @@ TEST(RiffWalk, CorruptedHeadersNeverLeadOutsideTheFile)
         expectInsideFile(layout, file.size());
     }
     EXPECT_GT(accepted, 0) << "the corruptions should leave some files readable";
+}
+
+namespace
+{
+PcmFormat stereo16()
+{
+    PcmFormat format;
+    format.fileTag = kFormatPcm, format.channels = 2, format.samplesPerSec = 22050, format.blockAlign = 4;
+    format.bitsPerSample = 16;
+    EXPECT_EQ(WAVEFILE_OK, checkWritableFormat(format));
+    return format;
+}
+
+// What the walk finds in the file as it stands: the data size, or -1 when refused.
+long long readableData(const Bytes& file, WaveLayout& layout)
+{
+    return parse(file, layout) == WAVEFILE_OK ? static_cast<long long>(layout.dataSize) : -1;
+}
+} // namespace
+
+// With the limit lowered: a file opened to grow keeps an 80-byte header with a JUNK chunk, and
+// becomes RF64 in place once its data passes the limit; after every piece the file reads whole
+// as it stands. A file not opened to grow refuses the piece whole and stays valid.
+TEST(StreamWriter, GrowsPastTheLimitAsRf64AndReadsWholeAfterEveryPiece)
+{
+    const Bytes piece(600, 0x5A);
+    for (const bool mayGrow : {true, false})
+    {
+        SCOPED_TRACE(mayGrow);
+        MemorySink sink;
+        StreamWriter writer(sink, stereo16(), mayGrow, 1000);
+        ASSERT_EQ(WAVEFILE_OK, writer.start());
+        const size_t header = mayGrow ? kReservedHeaderSize : kCanonicalHeaderSize;
+        ASSERT_EQ(header, sink.bytes.size());
+        WaveLayout layout;
+        size_t written = 0;
+        EXPECT_EQ(WAVEFILE_OK, writer.append(piece.data(), piece.size(), written));
+        EXPECT_EQ(600, readableData(sink.bytes, layout));
+        EXPECT_FALSE(layout.rf64);
+        EXPECT_EQ(mayGrow ? WAVEFILE_OK : WAVEFILE_ERR_TOO_LARGE, writer.append(piece.data(), piece.size(), written));
+        EXPECT_EQ(mayGrow ? 1200 : 600, readableData(sink.bytes, layout));
+        EXPECT_EQ(mayGrow, layout.rf64);
+        EXPECT_EQ(header, layout.dataOffset);
+        EXPECT_EQ(mayGrow ? 2 : 1, sink.commits);
+        ASSERT_EQ(WAVEFILE_OK, writer.finish(writer.dataBytes()));
+        EXPECT_EQ(header + (mayGrow ? 1200 : 600), sink.bytes.size());
+        EXPECT_EQ(0, std::memcmp(sink.bytes.data(), mayGrow ? "RF64" : "RIFF", 4));
+        if (mayGrow)
+        {
+            EXPECT_EQ(0u + 1200 + 72, getLe32(sink.bytes, 20)) << "the ds64 chunk's RIFF size";
+        }
+    }
+}
+
+// A full disk takes part of a piece: what reached the file is counted, and the header counts it.
+TEST(StreamWriter, APieceCutShortByAFullDiskIsCountedAsFarAsItReached)
+{
+    MemorySink sink;
+    sink.limit = kReservedHeaderSize + 1000;
+    StreamWriter writer(sink, stereo16(), true);
+    ASSERT_EQ(WAVEFILE_OK, writer.start());
+    const Bytes piece(700, 0x33);
+    size_t written = 0;
+    EXPECT_EQ(WAVEFILE_OK, writer.append(piece.data(), piece.size(), written));
+    EXPECT_EQ(WAVEFILE_ERR_IO, writer.append(piece.data(), piece.size(), written));
+    EXPECT_EQ(300u, written);
+    EXPECT_EQ(1000u, writer.dataBytes());
+    WaveLayout layout;
+    EXPECT_EQ(1000, readableData(sink.bytes, layout));
+}
+
+// An RF64 file must open with its ds64 chunk, whose sizes stand for the 32-bit fields of
+// 0xFFFFFFFF (the LIST chunk after the data is no sound); a ds64 data size beyond the file is
+// clipped like any other.
+TEST(RiffWalk, Rf64SizesComeFromTheDs64Chunk)
+{
+    auto rf64 = [](uint64_t dataSize, const Bytes& data, bool withDs64) {
+        Bytes ds64(28, 0);
+        std::memcpy(&ds64[8], &dataSize, 8);
+        Bytes file = riff({chunk(withDs64 ? "ds64" : "JUNK", ds64), chunk("fmt ", fmtBody(1, 8000, 8)),
+                           chunk("data", data), chunk("LIST", {'I', 'N', 'F', 'O'})});
+        std::memcpy(file.data(), "RF64", 4);
+        putLe32(file, 4, 0xFFFFFFFFu);
+        putLe32(file, 12 + 36 + 24 + 4, 0xFFFFFFFFu);
+        return file;
+    };
+    const Bytes data(10, 0x80);
+    WaveLayout layout;
+    EXPECT_EQ(10, readableData(rf64(10, data, true), layout));
+    EXPECT_TRUE(layout.rf64);
+    EXPECT_EQ(10 + 12, readableData(rf64(1ull << 33, data, true), layout)); // to the end of the file
+    EXPECT_TRUE(layout.clipped);
+    EXPECT_EQ(-1, readableData(rf64(10, data, false), layout));
+    Bytes cut = rf64(10, data, true);
+    cut.resize(30);
+    EXPECT_EQ(WAVEFILE_ERR_TRUNCATED, parse(cut, layout));
 }

@@ -1,8 +1,11 @@
 #pragma once
-// Builds RIFF/WAVE files in memory from chunks: the tests' rearranged and damaged files.
+// Builds RIFF/WAVE files in memory from chunks: the tests' rearranged and damaged files; and
+// a file in memory for the stream writer to write.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
+#include "StreamWriter.h"
 
 using Bytes = std::vector<uint8_t>;
 
@@ -66,3 +69,27 @@ inline Bytes fmtBody(uint16_t channels, uint32_t rate, uint16_t bits, bool exten
     f[24] = subFormat;
     return f;
 }
+
+// A file in memory that the stream writer writes, and that can be read while it is written.
+class MemorySink : public wavefile::ByteSink
+{
+public:
+    size_t writeAt(uint64_t offset, const void* src, size_t n) override
+    {
+        const size_t room = offset > limit ? 0 : std::min<size_t>(n, limit - offset);
+        if (bytes.size() < offset + room)
+            bytes.resize(offset + room);
+        std::memcpy(bytes.data() + offset, src, room);
+        return room;
+    }
+    bool truncateAt(uint64_t offset) override
+    {
+        bytes.resize(offset);
+        return true;
+    }
+    void commit() override { commits++; }
+
+    Bytes bytes;
+    size_t limit = SIZE_MAX; // a full disk: nothing is written past it
+    int commits = 0;
+};

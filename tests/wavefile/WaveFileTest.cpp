@@ -20,6 +20,7 @@ TEST(WaveReader, DeliversTheFormatAndExactlyTheSamplesSoxReadsFromOtherProgramsF
         {L"pcm16_quad_ext", 4, 22050, 16, WAVE_FORMAT_EXTENSIBLE, WAVEFILE_HAVE_SOX},
         {L"meta16", 2, 22050, 16, WAVE_FORMAT_PCM, WAVEFILE_HAVE_SNDFILE}, // bext before data
         {L"meta8", 1, 11025, 8, WAVE_FORMAT_PCM, WAVEFILE_HAVE_SNDFILE},   // odd data, pad, LIST
+        {L"rf64_16", 2, 22050, 16, WAVE_FORMAT_EXTENSIBLE, WAVEFILE_HAVE_SNDFILE}, // RF64, ds64 first
         {L"alsa", 1, 48000, 16, WAVE_FORMAT_PCM, WAVEFILE_HAVE_ALSA},
     };
     for (const auto& m : made)

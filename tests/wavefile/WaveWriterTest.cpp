@@ -1,6 +1,7 @@
 // The stream writer as the capture-to-file path uses it (Open, Write piece by piece, Close
 // with the byte count, or deletion without Close), checked on the file's own bytes and
-// read back with the reader. writer_s16.wav and writer_u8_odd.wav stay for sox to read.
+// read back with the reader. writer_s16.wav, writer_u8_odd.wav, writer_reserved.wav and
+// writer_rf64.wav stay for sox to read.
 #include "SndWaveWriteStreamty.h"
 #include "TestFiles.h"
 #include <memory>
@@ -118,4 +119,44 @@ TEST(WaveWriter, RefusesFormatsBeforeMakingAFileAndDataPastTheRiffLimitWhole)
     EXPECT_EQ(1, writer.Write(4, ramp(4).data(), nullptr)) << "data that fits is still taken";
     EXPECT_EQ(1, writer.Close());
     expectHeaderSizes(path, 4);
+}
+
+
+// A file opened to grow past 4 GiB carries a JUNK chunk and reads as a plain wave file; the
+// same writer with its limit lowered makes an RF64 file, which the reader reads back.
+TEST(WaveWriter, FilesOpenedToGrowReadBackAsPlainWaveAndPastTheLimitAsRf64)
+{
+    const Bytes samples = ramp(2205 * 4);
+    tWAVEFORMATEX wfx = kS16Stereo;
+    const std::wstring reserved = dataPath(L"writer_reserved.wav"), rf64 = dataPath(L"writer_rf64.wav");
+    CSndWaveWriteStreamty writer;
+    ASSERT_EQ(1, writer.Open(reserved.c_str(), &wfx, TRUE));
+    ASSERT_EQ(1, writer.Write(static_cast<unsigned int>(samples.size()), const_cast<uint8_t*>(samples.data()), nullptr));
+    EXPECT_FALSE(writer.IsRf64());
+    ASSERT_EQ(1, writer.Close());
+    EXPECT_EQ(0, std::memcmp(&readFile(reserved)[12], "JUNK", 4));
+
+    MemorySink sink;
+    wavefile::PcmFormat format;
+    format.fileTag = 1, format.channels = 2, format.samplesPerSec = 22050, format.blockAlign = 4;
+    format.bitsPerSample = 16, format.avgBytesPerSec = 88200;
+    wavefile::StreamWriter small(sink, format, true, 4000);
+    ASSERT_EQ(WAVEFILE_OK, small.start());
+    for (size_t at = 0; at < samples.size(); at += 1000)
+    {
+        size_t written = 0;
+        ASSERT_EQ(WAVEFILE_OK, small.append(&samples[at], std::min<size_t>(1000, samples.size() - at), written));
+    }
+    ASSERT_EQ(WAVEFILE_OK, small.finish(small.dataBytes()));
+    writeFile(rf64, sink.bytes);
+
+    for (const std::wstring& path : {reserved, rf64})
+    {
+        CSndDataReadtyStream reader;
+        const Opened o = openWith(reader, path);
+        ASSERT_EQ(1, o.result);
+        EXPECT_EQ(path == rf64, reader.isSndFileRf64() != FALSE);
+        EXPECT_EQ(samples.size(), reader.getSndDataSize64());
+        EXPECT_EQ(samples, readAll(reader));
+    }
 }

@@ -21,7 +21,10 @@ const char kUsage[] =
     "  --seconds N  record N seconds, 0.1 to 44 (with --stream: any length from 0.1)\n"
     "  --bytes N    record N bytes, rounded down to whole sample frames, up to 7800000\n"
     "  --stream     write to the file while recording, 44100 Hz 16-bit stereo, until\n"
-    "               --seconds have passed or Ctrl+C";
+    "               --seconds have passed or Ctrl+C; past 4 GiB the file becomes RF64.\n"
+    "               Frames lost while the recording was held up are reported, and the\n"
+    "               file holds silence in their place; a file that cannot be written\n"
+    "               ends the recording, keeps what was written, and stimctl exits 1";
 
 const double kMaxSeconds = 44.0;
 
@@ -78,13 +81,27 @@ BOOL WINAPI onConsoleControl(DWORD dwType)
     return TRUE;
 }
 
+// What the recording lost to a stall, and why it ended early if it did; kExitFailed then.
+int reportStreamed(const CDSndCapturetyStream& capture, const RecordRequest& request, const tWAVEFORMATEX& wfx)
+{
+    const ULONGLONG lost = capture.getLostFrames();
+    if (lost > 0)
+        say("lost %llu frames (%.3f s) while the recording was held up; the file holds silence there", lost,
+            static_cast<double>(lost) / wfx.nSamplesPerSec);
+    if (capture.getStreamResult() == S_OK)
+        return kExitOk;
+    return failRun("record", toUtf8(request.file) + ": the recording ended early: " +
+                                 toUtf8(describeWaveFileResult(capture.getStreamWriteResult())));
+}
+
 // A worker services the capture's positions while this thread keeps time and stops the
-// capture, which wakes the worker, writes the tail and finishes the file.
+// capture, which wakes the worker, writes the tail and finishes the file. A write the file
+// refuses ends the recording by itself, and both threads then stop.
 int recordStreamed(const RecordRequest& request)
 {
     const tWAVEFORMATEX wfx = {WAVE_FORMAT_PCM, 2, 44100, 176400, 4, 16, 0};
     CSndWaveWriteStreamty writer;
-    if (!writer.Open(CString(request.file.c_str()), const_cast<tWAVEFORMATEX*>(&wfx)))
+    if (!writer.Open(CString(request.file.c_str()), const_cast<tWAVEFORMATEX*>(&wfx), TRUE))
         return failRun("record", toUtf8(request.file) + " cannot be opened for writing");
     CDSndCapturetyStream capture;
     capture.m_pSndWaveWriteStream = &writer;
@@ -96,12 +113,13 @@ int recordStreamed(const RecordRequest& request)
 
     std::atomic<bool> recording(true);
     std::thread worker([&] {
-        while (recording)
+        while (recording && capture.getStreamResult() == S_OK)
             capture.waitRecordStreamEvt();
     });
     const double start = secondsNow();
     long shown = 0;
-    for (double elapsed = 0.0; !g_interrupted && (request.seconds <= 0.0 || elapsed < request.seconds);
+    for (double elapsed = 0.0; !g_interrupted && capture.getStreamResult() == S_OK &&
+                               (request.seconds <= 0.0 || elapsed < request.seconds);
          elapsed = secondsNow() - start)
     {
         Sleep(20);
@@ -112,9 +130,10 @@ int recordStreamed(const RecordRequest& request)
     capture.stopCaptureStream();
     worker.join();
     SetConsoleCtrlHandler(onConsoleControl, FALSE);
-    const unsigned long bytes = writer.GetDataBytesWritten();
-    say("recorded %.3f s (%lu bytes) to %s", secondsOf(bytes, wfx), bytes, toUtf8(request.file).c_str());
-    return kExitOk;
+    const ULONGLONG bytes = writer.GetDataBytesWritten64();
+    say("recorded %.3f s (%llu bytes) to %s", static_cast<double>(bytes) / wfx.nAvgBytesPerSec, bytes,
+        toUtf8(request.file).c_str());
+    return reportStreamed(capture, request, wfx);
 }
 }
 

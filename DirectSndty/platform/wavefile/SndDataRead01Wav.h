@@ -9,7 +9,9 @@
 // whether a player can use it (the sound library plays 8 and 16 bits) is the player's call.
 // Refused: any other format, a fmt chunk whose block alignment disagrees with channels and
 // sample size, files cut off before the sound data starts. A data chunk that claims more
-// than the file holds is clipped to what is there.
+// than the file holds is clipped to what is there. RF64 files (EBU Tech 3306), whose sound
+// data may pass 4 GiB, are read as well: the 32-bit byte counts then stop at 0xFFFFFFFF,
+// and getSndDataSize64 tells the whole size.
 
 #include <afx.h>
 #include <mmsystem.h>
@@ -42,6 +44,9 @@ public:
     unsigned long getSndDataSize() const;
     // Bytes of sound data not read yet.
     unsigned long getSndDataLeft() const;
+    ULONGLONG getSndDataSize64() const;
+    // TRUE when the open file is an RF64 file.
+    BOOL isSndFileRf64() const;
     // TRUE when the data chunk claims more bytes than the file holds (a cut-off file).
     BOOL isSndDataClipped() const;
     // Result of the last operation.
