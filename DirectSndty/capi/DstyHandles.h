@@ -67,3 +67,17 @@ void freeSchedule(dsty_schedule* schedule);
 
 // An integer PCM format of one or two channels and 8 to 32 bits, in the library's record.
 bool toWaveFormat(const dsty_format* format, tWAVEFORMATEX& wfx);
+
+// The start of a call that makes a handle on a device: the device open, the out-pointer given
+// (and cleared), and the call's other arguments present.
+template <class T>
+int beginMaking(const dsty_device* device, T** out, bool bArgumentsGiven = true)
+{
+    const int checked = checkHandle(device, DstyKind::Device);
+    if (checked != DSTY_OK)
+        return checked;
+    if (out == nullptr || !bArgumentsGiven)
+        return CDstyHost::instance().fail(DSTY_E_ARGUMENT);
+    *out = nullptr;
+    return DSTY_OK;
+}

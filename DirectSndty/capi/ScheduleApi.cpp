@@ -26,12 +26,9 @@ int dsty_schedule_open(dsty_device* device, const dsty_format* format, unsigned 
 {
     DstyCall call;
     CDstyHost& host = CDstyHost::instance();
-    const int checked = checkHandle(device, DstyKind::Device);
-    if (checked != DSTY_OK)
-        return checked;
-    if (out == nullptr)
-        return host.fail(DSTY_E_ARGUMENT);
-    *out = nullptr;
+    const int begun = beginMaking(device, out);
+    if (begun != DSTY_OK)
+        return begun;
     tWAVEFORMATEX wfx;
     if (!toWaveFormat(format, wfx) || wfx.wBitsPerSample > 16)
         return host.fail(DSTY_E_FORMAT, "a schedule plays 8- or 16-bit PCM of one or two channels");

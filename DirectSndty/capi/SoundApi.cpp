@@ -76,12 +76,9 @@ int dsty_sound_from_pcm(dsty_device* device, const dsty_format* format, const vo
 {
     DstyCall call;
     CDstyHost& host = CDstyHost::instance();
-    const int checked = checkHandle(device, DstyKind::Device);
-    if (checked != DSTY_OK)
-        return checked;
-    if (out == nullptr || pcm == nullptr || bytes == 0 || bytes > 0x7FFFFFFF)
-        return host.fail(DSTY_E_ARGUMENT);
-    *out = nullptr;
+    const int begun = beginMaking(device, out, pcm != nullptr && bytes != 0 && bytes <= 0x7FFFFFFF);
+    if (begun != DSTY_OK)
+        return begun;
     tWAVEFORMATEX wfx;
     if (!toWaveFormat(format, wfx))
         return host.fail(DSTY_E_FORMAT, "integer PCM of one or two channels and 8, 16, 24 or 32 bits only");
@@ -98,12 +95,9 @@ int dsty_sound_from_file(dsty_device* device, const char* wav_path, dsty_sound**
 {
     DstyCall call;
     CDstyHost& host = CDstyHost::instance();
-    const int checked = checkHandle(device, DstyKind::Device);
-    if (checked != DSTY_OK)
-        return checked;
-    if (out == nullptr || wav_path == nullptr)
-        return host.fail(DSTY_E_ARGUMENT);
-    *out = nullptr;
+    const int begun = beginMaking(device, out, wav_path != nullptr);
+    if (begun != DSTY_OK)
+        return begun;
     std::unique_ptr<dsty_sound> sound(new (std::nothrow) dsty_sound);
     if (!sound)
         return host.fail(DSTY_E_MEMORY);

@@ -58,12 +58,9 @@ int dsty_stream_open(dsty_device* device, const char* wav_path, dsty_stream** ou
 {
     DstyCall call;
     CDstyHost& host = CDstyHost::instance();
-    const int checked = checkHandle(device, DstyKind::Device);
-    if (checked != DSTY_OK)
-        return checked;
-    if (out == nullptr || wav_path == nullptr)
-        return host.fail(DSTY_E_ARGUMENT);
-    *out = nullptr;
+    const int begun = beginMaking(device, out, wav_path != nullptr);
+    if (begun != DSTY_OK)
+        return begun;
     std::unique_ptr<dsty_stream> stream(new (std::nothrow) dsty_stream);
     if (!stream)
         return host.fail(DSTY_E_MEMORY);
