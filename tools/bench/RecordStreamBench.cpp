@@ -4,9 +4,13 @@
 // the library's CDSndCapturetyStream into a wave file, and by a plain DirectSound capture
 // buffer drained into memory as the reference. Each is decoded frame by frame: a gap or a
 // repeat shows as a step in the positions; the player's own stalls show as silence in both.
-// Prints the frames expected and found, the tail the stop wrote after the last position, the
-// worker's processor time and the private bytes.
-// Usage: dsty_bench_record [SECONDS]   (default 600)
+// Halfway through, the library's worker is held up for 3 s, longer than its buffer: the
+// frames it lost must stand in the file as silence after which the positions go on where the
+// time passed puts them. Prints the frames expected and found, the frames lost against the
+// stall, the tail the stop wrote after the last position, the worker's processor time and
+// the private bytes; then what refreshing the header after every write costs, against plain
+// writes of the same pieces; then, with --rf64, a file written past 4 GiB, left for sox.
+// Usage: dsty_bench_record [SECONDS] | --refresh | --rf64 FILE   (default 600 s)
 
 #include "BenchSupport.h"
 #include "DirectSndty.h"
@@ -43,6 +47,8 @@ public:
                     m_repeatFrames);
         std::printf("  %-22s player stalls heard %lu (%lu silent frames), %lu of them resumed elsewhere\n", "",
                     m_stalls, m_stallFrames, m_movedStalls);
+        std::printf("  %-22s silences that kept the time axis (positions on by their length) %lu, %lu frames\n", "",
+                    m_bridges, m_bridgedFrames);
     }
 
 private:
@@ -72,6 +78,12 @@ private:
     }
     void countStep(long step)
     {
+        if (m_silence > 0 && step == static_cast<long>(m_silence) && m_silence > kRate / 10)
+        {
+            m_bridges++;
+            m_bridgedFrames += m_silence;
+            return;
+        }
         if (m_silence > 0)
         {
             m_stalls++;
@@ -94,6 +106,7 @@ private:
     unsigned long m_frames = 0, m_marked = 0, m_leadingSilence = 0, m_silence = 0;
     unsigned long m_gaps = 0, m_gapFrames = 0, m_repeats = 0, m_repeatFrames = 0;
     unsigned long m_stalls = 0, m_stallFrames = 0, m_movedStalls = 0;
+    unsigned long m_bridges = 0, m_bridgedFrames = 0;
     long m_last = 0;
 };
 
@@ -193,20 +206,29 @@ private:
     IDirectSoundBuffer* m_buffer = NULL;
 };
 
+const DWORD kStallMs = 3000;
+
 struct Worker
 {
     CDSndCapturetyStream* capture;
     std::atomic<bool> recording;
+    double stallAt;    // seconds from the start at which the worker is held up
     double cpuSeconds;
 };
 
-// Loops until the stop wakes it. Its processor time is read by itself: Wine tells it only
-// for the calling thread.
+// Loops until the stop wakes it, held up once for kStallMs. Its processor time is read by
+// itself: Wine tells it only for the calling thread.
 DWORD WINAPI serviceUntilStopped(LPVOID pParam)
 {
     auto* worker = static_cast<Worker*>(pParam);
+    const double start = nowSeconds();
+    bool held = false;
     while (worker->recording)
+    {
+        if (!held && nowSeconds() - start >= worker->stallAt)
+            held = true, Sleep(kStallMs);
         worker->capture->waitRecordStreamEvt();
+    }
     worker->cpuSeconds = threadCpuSeconds(GetCurrentThread());
     return 0;
 }
@@ -218,7 +240,7 @@ bool decodeFile(const std::wstring& path, Continuity& counter)
         return false;
     std::vector<int16_t> piece(2 * kRate);
     DWORD got = 0;
-    SetFilePointer(file, 44, NULL, FILE_BEGIN); // the writer's header is always 44 bytes
+    SetFilePointer(file, 80, NULL, FILE_BEGIN); // opened to grow: the header keeps an RF64 header's room
     while (ReadFile(file, piece.data(), static_cast<DWORD>(piece.size() * 2), &got, NULL) && got > 0)
         counter.add(piece.data(), got / kFrameBytes);
     CloseHandle(file);
@@ -243,7 +265,7 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
     CSndWaveWriteStreamty writer;
     CDSndCapturetyStream capture;
     capture.m_pSndWaveWriteStream = &writer;
-    if (!writer.Open(CString(path.c_str()), &wfx) || !capture.initCapture2stream(wfx, 2 * wfx.nAvgBytesPerSec))
+    if (!writer.Open(CString(path.c_str()), &wfx, TRUE) || !capture.initCapture2stream(wfx, 2 * wfx.nAvgBytesPerSec))
     {
         std::printf("  the streamed recording could not be set up\n");
         reference.stop();
@@ -253,7 +275,7 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
     double privateMost = privateStart;
     capture.startCaptureStream();
     const double start = nowSeconds();
-    Worker work = {&capture, {true}, 0.0};
+    Worker work = {&capture, {true}, seconds / 2.0, 0.0};
     HANDLE worker = CreateThread(NULL, 0, serviceUntilStopped, &work, 0, NULL);
     for (unsigned long s = 0; s < seconds; s++)
     {
@@ -275,6 +297,9 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
     library.print("library stream (file):", wall * kRate);
     std::printf("  %-22s tail written at stop %lu bytes (%.3f s); file data %lu bytes\n", "", total - beforeStop,
                 static_cast<double>(total - beforeStop) / wfx.nAvgBytesPerSec, total);
+    std::printf("  %-22s worker held up %.1f s at %.0f s: %llu frames lost (%.3f s), silence in their place\n", "",
+                kStallMs / 1000.0, work.stallAt, capture.getLostFrames(),
+                static_cast<double>(capture.getLostFrames()) / kRate);
     raw.print("raw DirectSound:", wall * kRate);
     std::printf("  worker processor time %.3f s over %.1f s: %.4f%% of one core\n", work.cpuSeconds, wall,
                 100.0 * work.cpuSeconds / wall);
@@ -283,13 +308,102 @@ void recordBoth(const std::wstring& path, unsigned long seconds, HWND window)
 }
 }
 
+// The writer puts the file on disk once a second: what that costs, after a second of sound.
+void flushCost(const std::wstring& path, int seconds)
+{
+    std::vector<unsigned char> second(markedFormat().nAvgBytesPerSec, 0x22);
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, NULL);
+    double flushing = 0.0, most = 0.0;
+    for (int k = 0; k < seconds; k++)
+    {
+        DWORD put = 0;
+        WriteFile(file, second.data(), static_cast<DWORD>(second.size()), &put, NULL);
+        const double start = nowSeconds();
+        FlushFileBuffers(file);
+        const double took = nowSeconds() - start;
+        flushing += took;
+        most = took > most ? took : most;
+    }
+    CloseHandle(file);
+    std::printf("putting each second of sound on disk: %.3f ms on average, %.3f ms at most, over %d seconds\n",
+                1000.0 * flushing / seconds, 1000.0 * most, seconds);
+}
+
+// Seconds spent writing `pieces` half-second pieces through the writer, whose header is
+// refreshed after each, and through plain writes of the same file.
+void refreshCost(const std::wstring& path, int pieces)
+{
+    tWAVEFORMATEX wfx = markedFormat();
+    std::vector<unsigned char> piece(wfx.nAvgBytesPerSec / 2, 0x11);
+    double writerSeconds = 0.0, plainSeconds = 0.0;
+    for (int round = 0; round < 2; round++) // alternate, so that neither gets a warmer disk cache
+    {
+        CSndWaveWriteStreamty writer;
+        double start = nowSeconds();
+        writer.Open(CString(path.c_str()), &wfx, TRUE);
+        for (int k = 0; k < pieces; k++)
+            writer.Write(static_cast<unsigned>(piece.size()), piece.data(), NULL);
+        writer.Close();
+        writerSeconds += nowSeconds() - start;
+        start = nowSeconds();
+        HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, NULL);
+        DWORD put = 0;
+        for (int k = 0; k < pieces; k++)
+            WriteFile(file, piece.data(), static_cast<DWORD>(piece.size()), &put, NULL);
+        CloseHandle(file);
+        plainSeconds += nowSeconds() - start;
+    }
+    const double audioSeconds = 2.0 * pieces / 2.0;
+    std::printf("header refresh: %d half-second pieces written twice: %.3f s through the writer, %.3f s plainly;"
+                " %.3f ms per second of sound\n",
+                pieces, writerSeconds, plainSeconds, 1000.0 * (writerSeconds - plainSeconds) / audioSeconds);
+    flushCost(path, 30);
+    DeleteFileW(path.c_str());
+}
+
+// A file written past 4 GiB through the writer, in pieces of 4 MiB, for sox to read back.
+void writePast4GiB(const std::wstring& path)
+{
+    tWAVEFORMATEX wfx = markedFormat();
+    std::vector<unsigned char> piece(4u << 20);
+    for (size_t i = 0; i < piece.size() / 2; i++)
+        reinterpret_cast<int16_t*>(piece.data())[i] = static_cast<int16_t>(i % 2000 - 1000);
+    const unsigned long long target = (1ull << 32) + (64ull << 20);
+    CSndWaveWriteStreamty writer;
+    const double start = nowSeconds();
+    if (!writer.Open(CString(path.c_str()), &wfx, TRUE))
+    {
+        std::printf("rf64: the file could not be made\n");
+        return;
+    }
+    int ok = 1;
+    for (unsigned long long done = 0; done < target && ok; done += piece.size())
+        ok = writer.Write(static_cast<unsigned>(piece.size()), piece.data(), NULL);
+    const BOOL rf64 = writer.IsRf64();
+    const unsigned long long bytes = writer.GetDataBytesWritten64();
+    ok = ok && writer.Close();
+    std::printf("rf64: %llu bytes of data (%llu frames) written in %.1f s, RF64 %s, %s\n", bytes, bytes / kFrameBytes,
+                nowSeconds() - start, rf64 ? "yes" : "no", ok ? "closed" : "failed");
+}
+
 int main(int argc, char** argv)
 {
     AfxSetMessageBoxAnswerer(printMessage);
+    if (argc > 1 && std::string(argv[1]) == "--refresh")
+    {
+        refreshCost(L"bench-refresh.wav", 600);
+        return 0;
+    }
+    if (argc > 2 && std::string(argv[1]) == "--rf64")
+    {
+        const std::string name = argv[2];
+        writePast4GiB(std::wstring(name.begin(), name.end()));
+        return 0;
+    }
     const unsigned long seconds = argc > 1 ? std::strtoul(argv[1], NULL, 10) : 600;
     if (seconds == 0)
     {
-        std::printf("usage: dsty_bench_record [SECONDS]\n");
+        std::printf("usage: dsty_bench_record [SECONDS] | --rf64 FILE\n");
         return 2;
     }
     const std::wstring path = L"bench-record.wav";
@@ -299,5 +413,6 @@ int main(int argc, char** argv)
     recordBoth(path, seconds, window);
     DestroyWindow(window);
     DeleteFileW(path.c_str());
+    refreshCost(path, 600);
     return 0;
 }
