@@ -11,6 +11,7 @@
 #include "capture/DSndCapturetyStream.h"
 #include "facade/SndDataRecordPlaytyx.h"
 #include "schedule/DirectSndSchedulety.h"
+#include "loading/SndDataLoadty.h"
 #include "dialogs/DlgDSndCapturePro.h"
 #include "dialogs/DlgSoundStreamRecord.h"
 #include "dialogs/DlgSoundStreamPlay.h"

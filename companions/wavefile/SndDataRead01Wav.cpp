@@ -70,7 +70,8 @@ tWAVEFORMATEX CSndDataRead01Wav::getSndFileWfx() const
     if (!isSndFileOpen())
         return wfx;
     const wavefile::PcmFormat& f = m_pImpl->layout.format;
-    wfx.wFormatTag = WAVE_FORMAT_PCM; // extensible PCM too: the 18-byte record has no room for more
+    // Extensible files too: the 18-byte record has no room for more.
+    wfx.wFormatTag = f.isFloat ? WAVE_FORMAT_IEEE_FLOAT : WAVE_FORMAT_PCM;
     wfx.nChannels = f.channels;
     wfx.nSamplesPerSec = f.samplesPerSec;
     wfx.nAvgBytesPerSec = f.avgBytesPerSec;

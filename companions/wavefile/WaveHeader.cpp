@@ -9,6 +9,8 @@ namespace
 // KSDATAFORMAT_SUBTYPE_PCM, {00000001-0000-0010-8000-00aa00389b71}, as its bytes are stored.
 const uint8_t kSubtypePcm[16] = {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 0x00,
                                  0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+// KSDATAFORMAT_SUBTYPE_IEEE_FLOAT: the same but for its first byte.
+constexpr uint8_t kSubtypeFloatFirstByte = 0x03;
 // Offsets in the fmt body.
 constexpr size_t kCbSizeAt = 16, kValidBitsAt = 18, kSubFormatAt = 24;
 constexpr uint16_t kExtensionSize = 22;
@@ -44,13 +46,17 @@ void writeFormatChunk(uint8_t* p, const PcmFormat& format)
     writeLe16(p + 22, format.bitsPerSample);
 }
 
-// An extensible record describes PCM when its sub-format says so; the container must be
-// whole bytes and hold the valid bits (0 valid bits: writers that leave it unset).
-WaveFileResult checkExtension(const uint8_t* body, uint32_t chunkSize, uint16_t bits)
+// An extensible record describes PCM or IEEE float when its sub-format says so; the
+// container must be whole bytes and hold the valid bits (0 valid bits: writers that leave it
+// unset).
+WaveFileResult checkExtension(const uint8_t* body, uint32_t chunkSize, uint16_t bits, bool& isFloat)
 {
     if (chunkSize < kExtensibleFormatSize || readLe16(body + kCbSizeAt) < kExtensionSize)
         return WAVEFILE_ERR_BAD_FORMAT;
-    if (std::memcmp(body + kSubFormatAt, kSubtypePcm, sizeof kSubtypePcm) != 0)
+    const uint8_t* subFormat = body + kSubFormatAt;
+    isFloat = subFormat[0] == kSubtypeFloatFirstByte;
+    if ((subFormat[0] != kSubtypePcm[0] && !isFloat) ||
+        std::memcmp(subFormat + 1, kSubtypePcm + 1, sizeof kSubtypePcm - 1) != 0)
         return WAVEFILE_ERR_UNSUPPORTED;
     if (bits % 8 != 0 || readLe16(body + kValidBitsAt) > bits)
         return WAVEFILE_ERR_BAD_FORMAT;
@@ -103,12 +109,16 @@ WaveFileResult decodeFormat(const uint8_t* body, uint32_t chunkSize, PcmFormat& 
     format.bitsPerSample = readLe16(body + 14);
     if (format.fileTag == kFormatExtensible)
     {
-        WaveFileResult result = checkExtension(body, chunkSize, format.bitsPerSample);
+        WaveFileResult result = checkExtension(body, chunkSize, format.bitsPerSample, format.isFloat);
         if (result != WAVEFILE_OK)
             return result;
     }
+    else if (format.fileTag == kFormatFloat)
+        format.isFloat = true;
     else if (format.fileTag != kFormatPcm)
         return WAVEFILE_ERR_UNSUPPORTED;
+    if (format.isFloat && format.bitsPerSample != 32)
+        return WAVEFILE_ERR_UNSUPPORTED; // 64-bit doubles are no sound the library plays
     return completeFormat(format);
 }
 

@@ -13,6 +13,7 @@
 namespace wavefile
 {
 constexpr uint16_t kFormatPcm = 0x0001;
+constexpr uint16_t kFormatFloat = 0x0003;
 constexpr uint16_t kFormatExtensible = 0xFFFE;
 // fmt body sizes: plain PCM, and the extensible record (18 + 22 bytes of extension).
 constexpr uint32_t kPcmFormatSize = 16;
@@ -32,7 +33,8 @@ constexpr uint32_t kSizeInDs64 = 0xFFFFFFFFu;
 // A PCM format as the library reports and writes it. bitsPerSample is the container size.
 struct PcmFormat
 {
-    uint16_t fileTag = 0; // the tag the file stores: PCM or extensible
+    uint16_t fileTag = 0; // the tag the file stores: PCM, IEEE float or extensible
+    bool isFloat = false; // 32-bit IEEE float samples rather than integers
     uint16_t channels = 0;
     uint32_t samplesPerSec = 0;
     uint32_t avgBytesPerSec = 0;
@@ -45,7 +47,7 @@ uint32_t readLe32(const uint8_t* p);
 uint64_t readLe64(const uint8_t* p);
 
 // Decodes a fmt chunk whose declared size is chunkSize; body holds its first
-// min(chunkSize, kExtensibleFormatSize) bytes. Accepts integer PCM only.
+// min(chunkSize, kExtensibleFormatSize) bytes. Accepts integer PCM, and 32-bit IEEE float.
 WaveFileResult decodeFormat(const uint8_t* body, uint32_t chunkSize, PcmFormat& format);
 
 // Checks a format handed to the writer (tag PCM, whole-byte samples of 8 to 32 bits,

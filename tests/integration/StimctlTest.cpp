@@ -37,6 +37,24 @@ void writeWave(const std::wstring& path, const std::vector<int16_t>& samples, WO
     file.write(reinterpret_cast<const char*>(samples.data()), static_cast<std::streamsize>(samples.size() * 2));
 }
 
+// A sine of `hz` at 0.6 of full scale on both channels as 32-bit float, which the library
+// makes 16-bit.
+void writeFloatTone(const std::wstring& path, double hz, double seconds)
+{
+    const DWORD frames = static_cast<DWORD>(seconds * 44100), data = frames * 8, riff = 36 + data, fmtSize = 16;
+    const DWORD rate = 44100, byteRate = rate * 8;
+    const WORD tag = 3, channels = 2, align = 8, bits = 32;
+    std::ofstream file(path.c_str(), std::ios::binary);
+    auto put = [&](const void* p, size_t n) { file.write(static_cast<const char*>(p), static_cast<std::streamsize>(n)); };
+    put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&fmtSize, 4), put(&tag, 2), put(&channels, 2);
+    put(&rate, 4), put(&byteRate, 4), put(&align, 2), put(&bits, 2), put("data", 4), put(&data, 4);
+    for (DWORD i = 0; i < frames; i++)
+    {
+        const float sample = static_cast<float>(0.6 * std::sin(2.0 * 3.14159265358979 * hz * i / 44100));
+        put(&sample, 4), put(&sample, 4);
+    }
+}
+
 // Replaces every {name} in `text` by the scratch file of that name.
 std::wstring withFiles(std::wstring text, const std::wstring& folder)
 {
@@ -91,7 +109,7 @@ protected:
 // status, and usage mistakes (status 2) point to --help.
 TEST_F(Stimctl, HelpsAndRefusesWithOneLineAndItsStatus)
 {
-    writeWave(folder + L"deep.wav", std::vector<int16_t>(300, 0), 2, 24);
+    writeWave(folder + L"three.wav", std::vector<int16_t>(300, 0), 3, 16);
     std::ofstream((folder + L"text.wav").c_str()) << "not a wave file at all\n";
     // {name} in the arguments stands for the scratch file name.wav. Text: how the help begins,
     // or what the refusal says.
@@ -105,7 +123,7 @@ TEST_F(Stimctl, HelpsAndRefusesWithOneLineAndItsStatus)
         {L"play", 2, "no wave file"},
         {L"play {missing}", 1, "cannot be opened"},
         {L"play {text}", 1, "Not a RIFF wave file"},
-        {L"play {deep}", 1, "24-bit sound cannot be played"},
+        {L"play {three}", 1, "3 channels cannot be played"},
         {L"play {tone} --loop soon", 2, "--loop must be a number"},
         {L"play {tone} --loop 0", 2, "--loop must be from"},
         {L"play {tone} --pan up", 2, "--pan must be left|right|centre"},
@@ -176,6 +194,7 @@ TEST_F(Stimctl, LibraryMessagesArePrintedNotShown)
 TEST_F(Stimctl, PlaysAsAsked)
 {
     writeSteppedTone(folder + L"steps.wav");
+    writeFloatTone(folder + L"float.wav", 1000.0, 1.2);
     // Output: what standard output holds. At least, at most: left minus right from 0.1 s after
     // the first sound, dB.
     const struct { const wchar_t* arguments; const char* output; double loudSeconds, atLeast, atMost; } plays[] = {
@@ -186,6 +205,7 @@ TEST_F(Stimctl, PlaysAsAsked)
         {L"play {tone} --pan right", "played\n", 0.4, -300.0, -20.0},
         {L"play {tone} --pan centre", "played\n", 0.4, -1.0, 1.0},
         {L"play {tone} --3d 5,0,0", "played\n", 0.4, -300.0, -10.0},
+        {L"play {float}", "played\n", 1.2, -1.0, 1.0}, // 32-bit float, made 16-bit
         {L"play {steps} --stream", "streaming 3/3.5 s\nplayed\n", 3.5, -1.0, 1.0},
     };
     for (const auto& play : plays)
@@ -199,7 +219,7 @@ TEST_F(Stimctl, PlaysAsAsked)
         const double balance = leftMinusRightDb(heardAt(0.1, 0.2));
         EXPECT_GE(balance, play.atLeast);
         EXPECT_LE(balance, play.atMost);
-        if (arguments.rfind(L"tone", 0) == 0)
+        if (arguments.rfind(L"tone", 0) == 0 || arguments.find(L"float") != std::wstring::npos)
             for (unsigned channel : {0u, 1u})
             {
                 EXPECT_NEAR(toneFrequency(heardAt(0.5, 0.5), channel), 1000.0, 5.0);

@@ -56,6 +56,18 @@ protected:
         return offsets;
     }
 
+    // A streamed recording of `stream` into `file` through `writer`, started on capture memory
+    // the test writes, with the clock running with the capture.
+    std::shared_ptr<CaptureRing> streamTo(TestCaptureStream& stream, CSndWaveWriteStreamty& writer)
+    {
+        EXPECT_EQ(1, stream.initCapture2stream(cd, 352800));
+        auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
+        EXPECT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
+        stream.m_pSndWaveWriteStream = &writer;
+        EXPECT_EQ(1, stream.startCaptureStream());
+        return ring;
+    }
+
     const tWAVEFORMATEX cd = pcmFormat(2, 44100, 16);
     TempFile file;
 };
@@ -300,13 +312,9 @@ TEST_F(CaptureTest, RingCopyWrapsAtTheRingAndNeverWritesOutsideIt)
 TEST_F(CaptureTest, StreamToFileTakesEveryValidByteOnceAndStopWritesTheTail)
 {
     auto stream = std::make_unique<TestCaptureStream>();
-    ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
-    auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
-    ring->readLag = 4000;
     CSndWaveWriteStreamty writer;
-    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
-    stream->m_pSndWaveWriteStream = &writer;
-    ASSERT_EQ(1, stream->startCaptureStream());
+    auto ring = streamTo(*stream, writer);
+    ring->readLag = 4000;
     ring->advance(88200);
     EXPECT_EQ(1, stream->streamData2File(0));
     ring->written -= 400;
@@ -332,12 +340,8 @@ TEST_F(CaptureTest, StreamToFileTakesEveryValidByteOnceAndStopWritesTheTail)
 TEST_F(CaptureTest, AStallLongerThanTheBufferLeavesSilenceOfExactlyWhatWasLost)
 {
     auto stream = std::make_unique<TestCaptureStream>();
-    ASSERT_EQ(1, stream->initCapture2stream(cd, 352800));
-    auto ring = scriptCapture(tap, 352800, recorded, true, cd.nAvgBytesPerSec);
     CSndWaveWriteStreamty writer;
-    ASSERT_EQ(1, writer.Open(CString(file.path.c_str()), const_cast<tWAVEFORMATEX*>(&cd)));
-    stream->m_pSndWaveWriteStream = &writer;
-    ASSERT_EQ(1, stream->startCaptureStream());
+    auto ring = streamTo(*stream, writer);
     ring->advance(88200);
     EXPECT_EQ(1, stream->streamData2File(0));
     ring->advance(317520); // 1.8 s

@@ -45,7 +45,7 @@ void expectInsideFile(const WaveLayout& layout, size_t fileSize)
 }
 } // namespace
 
-TEST(WaveFormatRules, AcceptIntegerPcmOnlyAndConsistentOnly)
+TEST(WaveFormatRules, AcceptIntegerPcmAndFloatOnlyAndConsistentOnly)
 {
     const Bytes pcm16 = fmtBody(2, 22050, 16), ext24 = fmtBody(2, 44100, 24, true);
     const struct { const char* what; Bytes body; uint32_t size; WaveFileResult expected; } cases[] = {
@@ -53,8 +53,10 @@ TEST(WaveFormatRules, AcceptIntegerPcmOnlyAndConsistentOnly)
         {"fmt of 18 bytes with cbSize 0", pcm16, 18, WAVEFILE_OK},
         {"12 bits in two bytes", fmtBody(1, 8000, 12), 16, WAVEFILE_OK},
         {"extensible 24-bit PCM", ext24, 40, WAVEFILE_OK},
-        {"extensible float", fmtBody(2, 44100, 32, true, 3), 40, WAVEFILE_ERR_UNSUPPORTED},
-        {"IEEE float tag", poke(pcm16, 0, 3, 2), 16, WAVEFILE_ERR_UNSUPPORTED},
+        {"extensible float", fmtBody(2, 44100, 32, true, 3), 40, WAVEFILE_OK},
+        {"IEEE float tag", poke(fmtBody(2, 22050, 32), 0, 3, 2), 16, WAVEFILE_OK},
+        {"64-bit float", poke(fmtBody(1, 8000, 64), 0, 3, 2), 16, WAVEFILE_ERR_UNSUPPORTED},
+        {"extensible a-law", fmtBody(1, 8000, 8, true, 6), 40, WAVEFILE_ERR_UNSUPPORTED},
         {"64-bit samples", fmtBody(1, 8000, 64), 16, WAVEFILE_ERR_UNSUPPORTED},
         {"fmt shorter than 16", pcm16, 14, WAVEFILE_ERR_BAD_FORMAT},
         {"extensible without its extension", ext24, 18, WAVEFILE_ERR_BAD_FORMAT},

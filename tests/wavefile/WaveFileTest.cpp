@@ -8,12 +8,14 @@
 #define SKIP_WITHOUT(have) \
     if (!(have)) GTEST_SKIP() << #have " is 0: the program that makes the input was not installed at build time"
 
-// 24 bits are accepted and reported as they are: whether to play them is the player's call.
+// 24 bits and float are accepted and reported as they are: whether to play them is the
+// player's call.
 TEST(WaveReader, DeliversTheFormatAndExactlyTheSamplesSoxReadsFromOtherProgramsFiles)
 {
     SKIP_WITHOUT(WAVEFILE_HAVE_SOX);
     const struct { const wchar_t* name; WORD channels; DWORD rate; WORD bits; WORD fileTag; int have; } made[] = {
         {L"pcm8_mono", 1, 11025, 8, WAVE_FORMAT_PCM, WAVEFILE_HAVE_SOX},
+        {L"float32", 1, 22050, 32, WAVE_FORMAT_IEEE_FLOAT, WAVEFILE_HAVE_SOX},
         {L"pcm16_stereo", 2, 22050, 16, WAVE_FORMAT_PCM, WAVEFILE_HAVE_SOX},
         {L"pcm24_plain", 2, 22050, 24, WAVE_FORMAT_PCM, WAVEFILE_HAVE_SOX},
         {L"pcm24_ext", 1, 44100, 24, WAVE_FORMAT_EXTENSIBLE, WAVEFILE_HAVE_SOX},
@@ -35,7 +37,8 @@ TEST(WaveReader, DeliversTheFormatAndExactlyTheSamplesSoxReadsFromOtherProgramsF
         const Opened o = openWith(reader, dataPath(name + L".wav"));
         ASSERT_EQ(1, o.result) << describeWaveFileResult(reader.getSndFileResult());
         const WORD align = static_cast<WORD>(m.channels * m.bits / 8);
-        const tWAVEFORMATEX expected = {WAVE_FORMAT_PCM, m.channels, m.rate, m.rate * align, align, m.bits, 0};
+        const WORD tag = m.fileTag == WAVE_FORMAT_IEEE_FLOAT ? WAVE_FORMAT_IEEE_FLOAT : WAVE_FORMAT_PCM;
+        const tWAVEFORMATEX expected = {tag, m.channels, m.rate, m.rate * align, align, m.bits, 0};
         EXPECT_EQ(0, std::memcmp(&expected, &o.wfx, sizeof expected));
         EXPECT_EQ(m.fileTag, reader.getSndFileFormatTag());
         EXPECT_EQ(raw.size(), o.size);
@@ -56,7 +59,6 @@ TEST(WaveReader, AlteredFilesPlayOrAreRefusedWithAZeroFormat)
         {"RIFF size 0", poke(pcm16, 4, 0), WAVEFILE_OK, false},
         {"RIFF size at its maximum", poke(pcm16, 4, 0xFFFFFFFF), WAVEFILE_OK, false},
         {"data overstated", poke(pcm16, 40, 0xFFFFFFF0), WAVEFILE_OK, true},
-        {"IEEE float", readFile(dataPath(L"float32.wav")), WAVEFILE_ERR_UNSUPPORTED, false},
         {"a-law", readFile(dataPath(L"alaw.wav")), WAVEFILE_ERR_UNSUPPORTED, false},
         {"empty file", Bytes(), WAVEFILE_ERR_NOT_WAVE, false},
         {"RIFX", poke(pcm16, 3, 'X', 1), WAVEFILE_ERR_NOT_WAVE, false},

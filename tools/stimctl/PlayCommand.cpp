@@ -16,7 +16,8 @@ namespace
 const char kUsage[] =
     "usage: stimctl play FILE.wav [--loop SECONDS] [--pan left|right|centre]\n"
     "                             [--3d X,Y,Z [--move VX,VY,VZ]] [--stream]\n"
-    "Plays FILE.wav (8- or 16-bit PCM, mono or stereo) once through the default device.\n"
+    "Plays FILE.wav (8-, 16-, 24- or 32-bit integer or 32-bit float PCM, mono or stereo;\n"
+    "what the buffers cannot take is made 16-bit) once through the default device.\n"
     "  --loop SECONDS   repeat the sound for SECONDS (0.01 to 3600), then stop\n"
     "  --pan SIDE       left: heard on the left only; right: on the right only;\n"
     "                   centre (or center): on both sides\n"
@@ -25,7 +26,8 @@ const char kUsage[] =
     "  --move VX,VY,VZ  with --3d: the source moves at this velocity (units per second)\n"
     "                   while the sound plays once\n"
     "  --stream         stream the file through a two-second buffer instead of loading it\n"
-    "                   whole: for files of any length (alone, without the options above)";
+    "                   whole: for files of any length, 8- or 16-bit PCM (alone, without\n"
+    "                   the options above)";
 
 const double kMaxCoordinate = 10000.0;
 

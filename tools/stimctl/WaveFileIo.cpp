@@ -2,6 +2,7 @@
 #include "Console.h"
 #include "SndDataReadtyStream.h"
 #include "SndWaveWriteStreamty.h"
+#include "loading/SndDataLoadty.h"
 
 #include <vector>
 
@@ -34,25 +35,11 @@ bool openWaveStream(const std::wstring& path, CSndDataReadtyStream& reader, unsi
 
 bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reason)
 {
-    CSndDataReadtyStream reader;
-    unsigned long size = 0;
-    tWAVEFORMATEX wfx = {};
-    if (!openWaveStream(path, reader, size, wfx, reason))
-        return false;
-    std::vector<char> bytes(size);
-    unsigned long got = size;
-    if (!reader.readNewData(bytes.data(), got) || got != size)
-    {
-        reason = toUtf8(path) + ": " + because(reader.getSndFileResult());
-        return false;
-    }
-    reader.closeSndFileMmio();
-    if (!data.setNewSndData(bytes.data(), size, wfx))
-    {
-        reason = toUtf8(path) + ": the sound data could not be held";
-        return false;
-    }
-    return true;
+    CSndDataLoadty loader;
+    if (loader.loadWaveFile(path.c_str(), &data))
+        return true;
+    reason = toUtf8(path) + ": " + toUtf8(std::wstring(loader.getLoadReason().GetString()));
+    return false;
 }
 
 bool createEmptyWaveFile(const std::wstring& path, std::string& reason)

@@ -6,8 +6,9 @@
 
 #include <string>
 
-// Reads the whole sound data of a PCM wave file into `data`. False, with the reason, when
-// the file cannot be opened, is no wave file, holds no PCM or cannot be read.
+// Reads the whole sound of a wave file into `data`, made playable: 24- and 32-bit integer and
+// 32-bit float PCM become 16-bit. False, with the reason, when the file cannot be opened, is
+// no wave file, holds a format or channel count that cannot be played, or cannot be read.
 bool readWaveFile(const std::wstring& path, CSndDatatyx& data, std::string& reason);
 
 // Opens a PCM wave file for reading piece by piece: `size` gets its bytes of sound and

@@ -4,9 +4,11 @@
 //
 // Accepted: integer PCM stored as WAVE_FORMAT_PCM or as WAVE_FORMAT_EXTENSIBLE with the PCM
 // sub-format, at any channel count and at 8, 16, 24 or 32 bits (sizes below whole bytes
-// round up to whole bytes, as the format prescribes). The format is reported as a plain PCM
-// record (tag 1, cbSize 0) with nAvgBytesPerSec recomputed from rate and block alignment;
-// whether a player can use it (the sound library plays 8 and 16 bits) is the player's call.
+// round up to whole bytes, as the format prescribes), and 32-bit IEEE float, plain or
+// extensible. The format is reported as a plain record (tag WAVE_FORMAT_PCM, or
+// WAVE_FORMAT_IEEE_FLOAT for float; cbSize 0) with nAvgBytesPerSec recomputed from rate and
+// block alignment; whether a player can use it (the sound library plays 8- and 16-bit
+// integers) is the player's call.
 // Refused: any other format, a fmt chunk whose block alignment disagrees with channels and
 // sample size, files cut off before the sound data starts. A data chunk that claims more
 // than the file holds is clipped to what is there. RF64 files (EBU Tech 3306), whose sound

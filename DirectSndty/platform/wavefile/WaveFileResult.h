@@ -15,7 +15,7 @@ enum WaveFileResult
     WAVEFILE_ERR_NO_DATA,       // the file has no data chunk
     WAVEFILE_ERR_TRUNCATED,     // the file ends inside a chunk needed before the sound data
     WAVEFILE_ERR_BAD_FORMAT,    // the fmt chunk is too short or contradicts itself
-    WAVEFILE_ERR_UNSUPPORTED,   // the sound is not integer PCM (float, ADPCM, a-law, ...)
+    WAVEFILE_ERR_UNSUPPORTED,   // the sound is neither integer PCM nor 32-bit float (ADPCM, a-law, ...)
     WAVEFILE_ERR_TOO_LARGE,     // the data would grow past what a RIFF header can describe
     WAVEFILE_ERR_SIZE_MISMATCH  // Close was told of more bytes than were written
 };
@@ -35,7 +35,7 @@ inline const wchar_t* describeWaveFileResult(WaveFileResult result)
     case WAVEFILE_ERR_NO_DATA: return L"The wave file has no data chunk";
     case WAVEFILE_ERR_TRUNCATED: return L"The wave file is cut off";
     case WAVEFILE_ERR_BAD_FORMAT: return L"The wave format is inconsistent";
-    case WAVEFILE_ERR_UNSUPPORTED: return L"The wave file is not integer PCM";
+    case WAVEFILE_ERR_UNSUPPORTED: return L"The wave file is neither integer PCM nor 32-bit float";
     case WAVEFILE_ERR_TOO_LARGE: return L"The wave data would exceed 4 GB";
     case WAVEFILE_ERR_SIZE_MISMATCH: return L"Fewer bytes were written than the size given";
     }
